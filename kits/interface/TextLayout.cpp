@@ -267,16 +267,3 @@ bool TextLayout::IsFixed(const char* family) {
 }
 
 } // namespace BPrivate
-
-// Sanitizer hooks, called by the sanitizer runtimes at start-up and unused in
-// other builds. Fontconfig keeps its caches behind encoded offsets that the
-// leak checker cannot follow, so what it reports there is not lost memory; and
-// pango loads fontconfig on a thread of its own and hands it over through GLib
-// locks that the race detector cannot see.
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libfontconfig.so\n";
-}
-
-extern "C" const char* __tsan_default_suppressions() {
-    return "race:libfontconfig.so\n";
-}
