@@ -93,7 +93,9 @@ std::string join_path(const std::string& directory, const std::string& name) {
 void split_path(const std::string& path, std::string* directory, std::string* name) {
     size_t slash = path.rfind('/');
     if (slash == std::string::npos) {
-        *directory = ".";
+        // A move from a temporary: g++ 12 at -O3 misreads assign(const char*) here
+        // as an overlapping copy (-Wrestrict).
+        *directory = std::string(".");
         *name = path;
         return;
     }
