@@ -37,8 +37,16 @@ struct BMessageQueue::Private {
         return locker;
     }
 
-    // Wakes the waiters after the caller has released the mutex.
+    // Wakes the waiters, with the mutex still held: once it is released the queue
+    // may be deleted by a thread that was waiting.
     void Notify(std::unique_lock<std::mutex>& locker) const {
+        if (waiters > 0)
+            changed.notify_all();
+    }
+
+    // Wakes the waiters after releasing the mutex, so that they do not wake only to
+    // wait for it. For callers that keep the queue alive (through its looper's port).
+    void NotifyUnlocked(std::unique_lock<std::mutex>& locker) const {
         bool anyone = waiters > 0;
         locker.unlock();
         if (anyone)
@@ -158,27 +166,30 @@ status_t MessageQueuePrivate::AddMessage(BMessage* message, int32 capacity, bigt
     BMessageQueue::Private& queue = *fQueue->fPrivate;
     std::unique_lock<std::mutex> locker(queue.mutex);
     thread_id self = current_thread();
-    auto ready = [&] {
-        return queue.closed || ((queue.owner == -1 || queue.owner == self) &&
-                                (capacity <= 0 || (int32)queue.messages.size() < capacity));
-    };
-    if (!ready()) {
-        if (timeout <= 0)
+    bool timed = !is_infinite_timeout(timeout);
+    auto deadline = deadline_after(timed ? timeout : 0);
+    for (;;) {
+        if (queue.closed)
+            return B_BAD_PORT_ID;
+        // A thread holding the queue's lock is always waited for: it holds it only
+        // for a few calls. The timeout is about room in a full queue.
+        bool ownerFree = queue.owner == -1 || queue.owner == self;
+        bool room = capacity <= 0 || (int32)queue.messages.size() < capacity;
+        if (ownerFree && room)
+            break;
+        if (ownerFree && timeout <= 0)
             return B_WOULD_BLOCK;
-        queue.waiters++;
-        bool arrived = true;
-        if (is_infinite_timeout(timeout))
-            queue.changed.wait(locker, ready);
-        else
-            arrived = queue.changed.wait_until(locker, deadline_after(timeout), ready);
-        queue.waiters--;
-        if (!arrived)
+        if (ownerFree && timed && std::chrono::steady_clock::now() >= deadline)
             return B_TIMED_OUT;
+        queue.waiters++;
+        if (ownerFree && timed)
+            queue.changed.wait_until(locker, deadline);
+        else
+            queue.changed.wait(locker);
+        queue.waiters--;
     }
-    if (queue.closed)
-        return B_BAD_PORT_ID;
     queue.messages.push_back(message);
-    queue.Notify(locker);
+    queue.NotifyUnlocked(locker);
     return B_OK;
 }
 
@@ -207,7 +218,7 @@ BMessage* MessageQueuePrivate::WaitForMessage(bigtime_t timeout) {
         return NULL;
     BMessage* message = queue.messages.front();
     queue.messages.pop_front();
-    queue.Notify(locker);
+    queue.NotifyUnlocked(locker);
     return message;
 }
 
@@ -215,7 +226,7 @@ void MessageQueuePrivate::Close() {
     BMessageQueue::Private& queue = *fQueue->fPrivate;
     std::unique_lock<std::mutex> locker(queue.mutex);
     queue.closed = true;
-    queue.Notify(locker);
+    queue.NotifyUnlocked(locker);
 }
 
 bool MessageQueuePrivate::IsClosed() const {

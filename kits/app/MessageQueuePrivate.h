@@ -1,6 +1,8 @@
 // Kit-private side of BMessageQueue: what a looper needs beyond the public calls,
 // namely waiting for a message, bounded appends (the port capacity) and closing the
-// queue when the looper goes away.
+// queue when the looper goes away. Callers keep the queue alive for the length of the
+// call (they hold its looper's port), which lets these calls wake waiting threads
+// after releasing the queue's mutex.
 #ifndef _APP_MESSAGE_QUEUE_PRIVATE_H
 #define _APP_MESSAGE_QUEUE_PRIVATE_H
 
