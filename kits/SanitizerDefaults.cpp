@@ -17,5 +17,12 @@ extern "C" const char* __tsan_default_suppressions() {
            "called_from_lib:libgobject-2.0.so.0\n"
            "called_from_lib:libfontconfig.so.1\n"
            "called_from_lib:libpango-1.0.so.0\n"
-           "called_from_lib:libpangoft2-1.0.so.0\n";
+           "called_from_lib:libpangoft2-1.0.so.0\n"
+           "called_from_lib:libpangocairo-1.0.so.0\n"
+           "race:libglib-2.0.so\n"
+           "race:libgio-2.0.so\n"
+           "race:libpango\n"
+           "race:libcairo.so\n"
+           "mutex:libpangocairo-1.0.so\n"
+           "mutex:libglib-2.0.so\n";
 }

@@ -17,8 +17,8 @@ inline bool drop_file_capabilities() {
     __user_cap_data_struct data[2] = {};
     if (syscall(SYS_capget, &header, data) != 0)
         return false;
-    const unsigned dropped
-        = (1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH) | (1u << CAP_FOWNER);
+    const unsigned dropped =
+        (1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH) | (1u << CAP_FOWNER);
     for (auto& set : data) {
         set.effective &= ~dropped;
         set.permitted &= ~dropped;
