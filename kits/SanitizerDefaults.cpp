@@ -25,6 +25,10 @@ extern "C" const char* __tsan_default_suppressions() {
            "race:libcairo.so\n"
            "mutex:libpangocairo-1.0.so\n"
            "mutex:libglib-2.0.so\n"
+           // Cairo's scaled-font lock is reported as locked twice when cairo frees
+           // and reuses a font's memory under its own cache lock.
+           "mutex:cairo_scaled_font_glyph_extents\n"
+           "mutex:libcairo.so\n"
            // The text engine holds its own lock around pango and cairo calls, and
            // cairo takes its font lock inside them; cairo never calls back into us,
            // so the order inversion the detector reports cannot close a cycle.

@@ -371,7 +371,7 @@ void DisplayServer::Beep() {
 // #pragma mark - Synchronisation
 
 void DisplayServer::Sync() {
-    if (std::this_thread::get_id() == fThreadID)
+    if (std::this_thread::get_id() == fThreadID.load())
         return;
     auto done = std::make_shared<std::promise<void>>();
     std::future<void> future = done->get_future();

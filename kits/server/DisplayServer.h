@@ -305,7 +305,8 @@ private:
     std::deque<Job> fJobs;
     bool fQuitting;
     std::thread fThread;
-    std::thread::id fThreadID;
+    // Written by the server thread as it starts, read by any thread in Sync().
+    std::atomic<std::thread::id> fThreadID;
 
     std::condition_variable fModelCondition;
     std::atomic<uint64> fActivity;
