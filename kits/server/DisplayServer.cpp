@@ -9,7 +9,6 @@
 #include "server/headless/HeadlessServer.h"
 
 #include <Application.h>
-#include <MessageFilter.h>
 #include <OS.h>
 
 #include <algorithm>
@@ -21,10 +20,6 @@
 
 namespace BPrivate {
 
-// A weak reference: the X11 backend's object is linked only when that backend
-// exists; until then the address is NULL and Default() says so.
-DisplayServer* create_x11_display_server(status_t* error) __attribute__((weak));
-
 namespace {
 
 std::mutex sServerLock;
@@ -35,17 +30,6 @@ status_t sFailure = B_OK;
 // A message that cannot wait (a press, a key) may hold the server's thread this
 // long when the window's queue is full; pointer moves are dropped instead.
 const bigtime_t kPostTimeout = 500000;
-
-// Counts what the application handles, so that WaitForIdle() sees work the
-// application does between two looks.
-filter_result note_application_activity(BMessage* message, BHandler** target,
-                                        BMessageFilter* filter) {
-    if (message->what != kMessageIdleProbe) {
-        if (DisplayServer* server = DisplayServer::Current())
-            server->NoteActivity();
-    }
-    return B_DISPATCH_MESSAGE;
-}
 
 std::chrono::steady_clock::time_point deadline_after(bigtime_t timeout) {
     if (timeout < 0)
@@ -100,18 +84,17 @@ DisplayServer* DisplayServer::Default(status_t* error) {
     } else if (headless) {
         server = new HeadlessServer();
         status = server->_Start();
-    } else if (create_x11_display_server == NULL) {
-        fprintf(stderr, "glimrow: no display: this build has no X11 backend; "
-                        "set GLIMROW_DISPLAY=headless to run without a screen\n");
-        status = B_NOT_SUPPORTED;
     } else {
+        // The backend says itself what kept it from opening the display.
         server = create_x11_display_server(&status);
         if (server == NULL && status == B_OK)
             status = B_ERROR;
-        if (server != NULL && status == B_OK)
+        if (server != NULL && status == B_OK) {
             status = server->_Start();
-        if (status != B_OK)
-            fprintf(stderr, "glimrow: cannot open the X11 display (error %d)\n", (int)status);
+            if (status != B_OK)
+                fprintf(stderr, "glimrow: cannot start the X11 display server (error %d)\n",
+                        (int)status);
+        }
     }
 
     if (status != B_OK) {
@@ -153,6 +136,10 @@ DisplayServer::DisplayServer()
 }
 
 DisplayServer::~DisplayServer() {
+    _StopThread();
+}
+
+void DisplayServer::_StopThread() {
     {
         std::lock_guard<std::mutex> lock(fQueueLock);
         fQuitting = true;
@@ -379,6 +366,14 @@ void DisplayServer::Sync() {
     future.wait();
 }
 
+void DisplayServer::NoteDelivery(const BMessage* message) {
+    // Probes are how idleness is measured; pulses come on their own forever.
+    if (message->what == kMessageIdleProbe || message->what == B_PULSE)
+        return;
+    if (DisplayServer* server = Current())
+        server->NoteActivity();
+}
+
 void DisplayServer::WindowSynced(int32 id, uint64 ticket, bool idle) {
     {
         std::lock_guard<std::mutex> lock(fLock);
@@ -402,8 +397,7 @@ bool DisplayServer::_WatchApplication() {
     if (running) {
         std::lock_guard<std::mutex> lock(fLock);
         if (!(fWatchedApplication == be_app_messenger)) {
-            application->AddCommonFilter(
-                new BMessageFilter(B_ANY_DELIVERY, B_ANY_SOURCE, note_application_activity));
+            LooperPrivate(application).SetDeliveryHook(NoteDelivery);
             fWatchedApplication = be_app_messenger;
         }
     }

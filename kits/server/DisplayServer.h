@@ -80,6 +80,8 @@ struct ServerWindow {
     uint32 presentCount = 0;
     uint64 answeredTicket = 0;
     bool idleAtTicket = false;
+    // The last of the window's own move and resize requests applied here.
+    uint32 frameRequest = 0;
 };
 
 // A description of a window for tests and tools.
@@ -130,8 +132,15 @@ public:
     // The window's thread runs: it can be asked whether it is idle.
     void SetWindowRunning(int32 id);
 
+    // From anyone: the window learns of it with B_WINDOW_MOVED or B_WINDOW_RESIZED.
     void MoveWindow(int32 id, BPoint leftTop);
     void ResizeWindow(int32 id, float width, float height);
+    // The window's own requests, numbered from 1 up. The messages they cause
+    // carry the number of the window's latest request applied so far
+    // (kFieldFrameRequest), so the window can tell an echo of a request it
+    // has since superseded from where it really is.
+    void MoveWindow(int32 id, BPoint leftTop, uint32 request);
+    void ResizeWindow(int32 id, float width, float height, uint32 request);
     void SetWindowTitle(int32 id, const char* title);
     void SetWindowLook(int32 id, window_look look);
     void SetWindowFeel(int32 id, window_feel feel);
@@ -158,12 +167,13 @@ public:
 
     void GetPointer(BPoint* where, uint32* buttons);
     uint32 Modifiers();
-    void GetKeyInfo(key_info* info);
+    // The X11 backend asks the X server, which knows keys held in other programs.
+    virtual void GetKeyInfo(key_info* info);
     bigtime_t ClickSpeed() const { return kClickSpeed; }
 
     // Every pointer event goes to the grabbing window until it lets go (menus).
-    status_t GrabPointer(int32 id);
-    void UngrabPointer(int32 id);
+    virtual status_t GrabPointer(int32 id);
+    virtual void UngrabPointer(int32 id);
 
     // Starts dragging a copy of the message; offset is where the pointer holds the
     // dragged rectangle. The drop goes to the window under the pointer when the
@@ -188,8 +198,13 @@ public:
 
     // Returns once the server's thread has handled everything queued before.
     void Sync();
-    // A window handled a message: WaitForIdle() must look again.
+    // Something happened that WaitForIdle() must look at again.
     void NoteActivity() { fActivity.fetch_add(1, std::memory_order_relaxed); }
+    // The delivery hook of the windows and the application: a message is about
+    // to join one of their queues. Counted before it is there, so a window that
+    // posts to another after answering its idle probe cannot make WaitForIdle()
+    // return while the other still has work.
+    static void NoteDelivery(const BMessage* message);
     // A window answers kMessageIdleProbe.
     void WindowSynced(int32 id, uint64 ticket, bool idle);
     // Returns B_OK once every running window has nothing queued and no update
@@ -209,6 +224,9 @@ protected:
 
     // Starts the server's thread.
     status_t _Start();
+    // Ends the server's thread and waits for it. A backend calls it first in its
+    // destructor, while its own members still exist; safe to call twice.
+    void _StopThread();
 
     // Queues work for the server's thread. Activity jobs make WaitForIdle()
     // look again.
@@ -295,6 +313,8 @@ private:
     void _SendMoved(ServerWindow* window, bool outside, bigtime_t when, Outbox& outbox);
     void _Drop(BPoint where, Outbox& outbox);
     void _SetKeyState(int32 key, bool down);
+    // Where keys go: the grabbing window, else the active one.
+    ServerWindow* _KeyTarget();
 
     std::mutex fQueueLock;
     std::condition_variable fQueueCondition;
@@ -332,8 +352,8 @@ private:
     BMessenger fDragReplyTo;
 };
 
-// Made by the X11 backend (kits/server/x11/). Until that backend is linked in, the
-// reference stays unresolved and Default() reports that there is no X11 backend.
+// Made by the X11 backend (kits/server/x11/): NULL, with *error set and a line on
+// stderr naming the display, when the display cannot be opened.
 DisplayServer* create_x11_display_server(status_t* error);
 
 } // namespace BPrivate

@@ -6,7 +6,9 @@
 // message is dragged, moves also go to the window under the pointer, carrying the
 // message, and releasing the buttons drops it there. A window the pointer leaves
 // gets one more move marked kFieldPointerOutside so its views see the exit. Key
-// events go to the active window.
+// events go to the grabbing window too while there is one (an open menu takes
+// the keyboard with the pointer, whichever window is active), else to the
+// active window.
 #include "server/DisplayServer.h"
 
 #include "app/MessagePrivate.h"
@@ -330,6 +332,12 @@ void DisplayServer::_HandleWheel(float deltaX, float deltaY, bigtime_t when) {
 
 // #pragma mark - Keyboard
 
+ServerWindow* DisplayServer::_KeyTarget() {
+    if (ServerWindow* grab = _Find(fGrabWindow))
+        return grab;
+    return _Find(fActiveWindow);
+}
+
 void DisplayServer::_SetKeyState(int32 key, bool down) {
     if (key <= 0 || key >= 128)
         return;
@@ -361,7 +369,7 @@ void DisplayServer::_HandleKey(bool down, int32 key, const char* bytes, int32 ra
             fModifiers = with_generic_bits(fModifiers);
         }
 
-        ServerWindow* target = _Find(fActiveWindow);
+        ServerWindow* target = _KeyTarget();
         if (target == NULL)
             return;
 
@@ -405,7 +413,7 @@ void DisplayServer::_HandleModifiersChanged(uint32 modifiers, bigtime_t when) {
             if (!modifier.locking)
                 _SetKeyState(modifier.key, (fModifiers & modifier.sideBit) != 0);
         }
-        ServerWindow* target = _Find(fActiveWindow);
+        ServerWindow* target = _KeyTarget();
         if (target == NULL || fModifiers == oldModifiers)
             return;
         BMessage changed(B_MODIFIERS_CHANGED);

@@ -178,16 +178,25 @@ void DisplayServer::SetWindowRunning(int32 id) {
 }
 
 void DisplayServer::MoveWindow(int32 id, BPoint leftTop) {
+    MoveWindow(id, leftTop, 0);
+}
+
+void DisplayServer::MoveWindow(int32 id, BPoint leftTop, uint32 request) {
     Outbox outbox;
     {
         std::lock_guard<std::mutex> lock(fLock);
         ServerWindow* window = _Find(id);
-        if (window == NULL || window->frame.LeftTop() == leftTop)
+        if (window == NULL)
+            return;
+        if (request != 0)
+            window->frameRequest = request;
+        if (window->frame.LeftTop() == leftTop)
             return;
         window->frame.OffsetTo(leftTop);
         BMessage moved(B_WINDOW_MOVED);
         moved.AddInt64("when", system_time());
         moved.AddPoint("where", leftTop);
+        moved.AddInt32(kFieldFrameRequest, (int32)window->frameRequest);
         outbox.push_back(Outgoing{window->messenger, moved, false, BMessenger()});
         _WindowChanged(window);
     }
@@ -195,11 +204,19 @@ void DisplayServer::MoveWindow(int32 id, BPoint leftTop) {
 }
 
 void DisplayServer::ResizeWindow(int32 id, float width, float height) {
+    ResizeWindow(id, width, height, 0);
+}
+
+void DisplayServer::ResizeWindow(int32 id, float width, float height, uint32 request) {
     Outbox outbox;
     {
         std::lock_guard<std::mutex> lock(fLock);
         ServerWindow* window = _Find(id);
-        if (window == NULL || (window->frame.Width() == width && window->frame.Height() == height))
+        if (window == NULL)
+            return;
+        if (request != 0)
+            window->frameRequest = request;
+        if (window->frame.Width() == width && window->frame.Height() == height)
             return;
         window->frame.right = window->frame.left + width;
         window->frame.bottom = window->frame.top + height;
@@ -215,6 +232,7 @@ void DisplayServer::ResizeWindow(int32 id, float width, float height) {
         resized.AddInt64("when", system_time());
         resized.AddInt32("width", (int32)width);
         resized.AddInt32("height", (int32)height);
+        resized.AddInt32(kFieldFrameRequest, (int32)window->frameRequest);
         outbox.push_back(Outgoing{window->messenger, resized, false, BMessenger()});
         _WindowChanged(window);
     }
