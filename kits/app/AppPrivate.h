@@ -19,6 +19,10 @@ public:
     static int32 CountWindows();
     static BLooper* WindowAt(int32 index);
     static bool HasWindow(const BLooper* window);
+    // Waits until the thread of every window that is ending (it quit, its loop is
+    // over) has deleted it, so the application does not go while window
+    // destructors still run. The calling thread's own window is not waited for.
+    static void WaitForEndingWindows();
 
     // The application's signature (case as given), or NULL while there is no be_app.
     static const char* Signature();

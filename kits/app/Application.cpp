@@ -193,6 +193,13 @@ thread_id BApplication::Run() {
         return fPrivate->initError;
     LooperPrivate(this).RunInCallingThread();
     _StopPulse();
+    // Windows that quit themselves on the way out (B_QUIT_ON_WINDOW_CLOSE, or
+    // before posting B_QUIT_REQUESTED here) may still be in their destructors.
+    LooperPrivate self(this);
+    int32 lockCount = IsLocked() ? self.UnlockFully() : 0;
+    AppPrivate::WaitForEndingWindows();
+    if (lockCount > 0)
+        self.RestoreLock(lockCount);
     return Thread();
 }
 
@@ -269,6 +276,9 @@ bool BApplication::_QuitAllWindows(bool force) {
         if (port != nullptr)
             port->WaitFinished();
     }
+    // A window whose lock could not be taken was ending on its own.
+    if (quit)
+        AppPrivate::WaitForEndingWindows();
 
     if (lockCount > 0)
         self.RestoreLock(lockCount);

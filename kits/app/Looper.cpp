@@ -544,6 +544,10 @@ void LooperPrivate::SetIdleHook(IdleHook hook) {
     fLooper->fPrivate->idleHook = hook;
 }
 
+void LooperPrivate::SetDeliveryHook(DeliveryHook hook) {
+    fLooper->fPrivate->port->SetDeliveryHook(hook);
+}
+
 bool LooperPrivate::IsRunning() const {
     return fLooper->fPrivate->runCalled;
 }

@@ -9,8 +9,8 @@
 namespace BPrivate {
 
 LooperPort::LooperPort(int32 capacity)
-    : fQueue(new BMessageQueue), fCapacity(capacity), fThread(-1), fOwner(-1), fOwnerCount(0),
-      fWaiters(0), fHandOff(false), fClosed(false), fFinished(false) {}
+    : fQueue(new BMessageQueue), fCapacity(capacity), fDeliveryHook(NULL), fThread(-1), fOwner(-1),
+      fOwnerCount(0), fWaiters(0), fHandOff(false), fClosed(false), fFinished(false) {}
 
 LooperPort::~LooperPort() {
     delete fQueue;
@@ -19,6 +19,8 @@ LooperPort::~LooperPort() {
 status_t LooperPort::Deliver(BMessage* message, bigtime_t timeout) {
     if (current_thread() == fThread.load())
         timeout = 0;
+    if (DeliveryHook hook = fDeliveryHook.load())
+        hook(message);
     return MessageQueuePrivate(fQueue).AddMessage(message, fCapacity, timeout);
 }
 
@@ -138,6 +140,16 @@ void LooperPort::SetFinished() {
 void LooperPort::WaitFinished() {
     std::unique_lock<std::mutex> locker(fLockMutex);
     fFinishedCondition.wait(locker, [&] { return fFinished; });
+}
+
+bool LooperPort::IsFinished() const {
+    std::lock_guard<std::mutex> locker(fLockMutex);
+    return fFinished;
+}
+
+bool LooperPort::IsClosed() const {
+    std::lock_guard<std::mutex> locker(fLockMutex);
+    return fClosed;
 }
 
 } // namespace BPrivate

@@ -28,6 +28,9 @@ public:
 
     BMessageQueue* Queue() const { return fQueue; }
 
+    typedef void (*DeliveryHook)(const BMessage* message);
+    void SetDeliveryHook(DeliveryHook hook) { fDeliveryHook.store(hook); }
+
     // Delivery, bounded by the capacity. From the reader thread itself a full queue
     // never blocks (it would wait for itself).
     status_t Deliver(BMessage* message, bigtime_t timeout) override;
@@ -56,10 +59,14 @@ public:
     // Signalled by the looper's thread once the looper is deleted.
     void SetFinished();
     void WaitFinished();
+    bool IsFinished() const;
+    // Closed: the looper's thread (if it has one) is ending it.
+    bool IsClosed() const;
 
 private:
     BMessageQueue* fQueue;
     int32 fCapacity;
+    std::atomic<DeliveryHook> fDeliveryHook;
     std::atomic<thread_id> fThread;
 
     mutable std::mutex fLockMutex;

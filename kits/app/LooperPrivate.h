@@ -17,6 +17,13 @@ public:
     typedef void (*IdleHook)(BLooper* looper);
     void SetIdleHook(IdleHook hook);
 
+    // Called in the sending thread each time a message is about to join the queue
+    // (not for the looper's own quit message), before any other thread can see it
+    // there: lets the display server count messages that loopers post to each
+    // other while it checks whether everything is idle.
+    typedef void (*DeliveryHook)(const BMessage* message);
+    void SetDeliveryHook(DeliveryHook hook);
+
     // Run() has been called: the looper has (or had) a thread.
     bool IsRunning() const;
     // The port token that messengers to this looper carry.

@@ -204,10 +204,8 @@ status_t BMenu::Archive(BMessage* archive, bool deep) const {
     status_t status = BView::Archive(archive, deep);
     if (status != B_OK)
         return status;
+    // The frame, resizing mode and flags are the view's.
     const Private* data = fPrivate;
-    archive->AddRect("_frame", Frame());
-    archive->AddInt32("_resize_mode", (int32)ResizingMode());
-    archive->AddInt32("_flags", (int32)Flags());
     archive->AddInt32("_layout", data->layout);
     archive->AddBool("_rsize_to_fit", data->resizeToFit);
     if (!data->enabled)

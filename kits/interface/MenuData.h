@@ -32,8 +32,11 @@ struct MenuSnapshotItem {
 // under the lock.
 struct MenuSnapshot {
     std::mutex lock;
-    // Screen coordinates of the menu's window, and the menu's scrolling origin.
+    // Screen coordinates of the menu's window, of the part of it the menu shows
+    // in (all of it but the scroll arrows of a menu taller than the screen),
+    // and the menu's scrolling origin.
     BRect windowFrame;
+    BRect menuFrame;
     BPoint scroll;
     menu_layout layout = B_ITEMS_IN_COLUMN;
     bool shown = false;

@@ -104,11 +104,6 @@ void menu_ungrab_pointer(int32 token) {
         server->UngrabPointer(token);
 }
 
-void note_display_activity() {
-    if (DisplayServer* server = DisplayServer::Current())
-        server->NoteActivity();
-}
-
 BMenu::Private* MenuPrivate::Data() const {
     return fMenu->fPrivate;
 }
@@ -220,6 +215,7 @@ void MenuPrivate::Publish() {
     std::lock_guard<std::mutex> lock(snapshot.lock);
     BWindow* window = fMenu->Window();
     snapshot.windowFrame = window != NULL ? window->Frame() : BRect();
+    snapshot.menuFrame = window != NULL ? fMenu->ConvertToScreen(fMenu->Bounds()) : BRect();
     snapshot.scroll = fMenu->Bounds().LeftTop();
     snapshot.layout = data->layout;
     snapshot.triggersEnabled = data->triggersEnabled;

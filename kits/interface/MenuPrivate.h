@@ -28,6 +28,8 @@ enum {
     // A pointer event a menu window passes on to the tracker; "be:what" holds
     // the event's own code.
     kMessageTrackerPointer = '_MTP',
+    // A key a menu window passes on to the tracker: "bytes", "modifiers".
+    kMessageTrackerKey = '_MTK',
     // From a menu window to the tracker: "serial" (int32) of the level.
     kMessageTrackerLevelShown = '_MTS',
     // "serial", and "item" (pointer) when an item was invoked on closing.
@@ -44,6 +46,9 @@ enum {
     kMessageMenuWindowRefresh = '_MWR',
     // "delta" (float): scroll a menu taller than the screen.
     kMessageMenuWindowScroll = '_MWW',
+    // "direction" (int32): -1 scrolls up, 1 down, again and again while the
+    // pointer rests on a scroll arrow; 0 stops.
+    kMessageMenuWindowAutoScroll = '_MWU',
 };
 
 // The look: space around an item's content, by kind of menu.
@@ -137,9 +142,6 @@ private:
 uint32 menu_key_of(uint32 key);
 // How wide the item's shortcut is drawn with the font: symbols and key.
 float shortcut_width(const BMenuItem* item, const BFont& font);
-// Tells the display server that menus passed work on to another window, so
-// that whoever waits for the display to be idle waits for that too.
-void note_display_activity();
 // Every pointer event goes to the window with this server token while it
 // holds the grab.
 void menu_grab_pointer(int32 token);

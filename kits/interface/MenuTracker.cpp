@@ -96,8 +96,8 @@ MenuTracker::MenuTracker(BMenu* root, BWindow* rootWindow)
     : BHandler("menu tracker"), fRoot(root), fRootWindow(rootWindow), fNextSerial(kRootSerial),
       fMode(kDragging), fKeyboard(false), fEnded(false), fFinished(false), fRootReleased(false),
       fRootGone(false), fDeliver(true), fKeepOpen(false), fHasClickRect(false), fStartTime(0),
-      fPendingSerial(0), fPreviousFocus(NULL), fFilter(NULL), fChosenItem(NULL), fChosenIndex(-1),
-      fBusy(0) {}
+      fPendingSerial(0), fScrollSerial(0), fScrollDirection(0), fPreviousFocus(NULL), fFilter(NULL),
+      fChosenItem(NULL), fChosenIndex(-1), fBusy(0) {}
 
 MenuTracker::~MenuTracker() {
     {
@@ -207,7 +207,6 @@ BMenuItem* MenuTracker::TrackMenu(BMenu* menu, BPoint where, bool deliver, bool 
     MenuPrivate(menu).SetTracker(tracker);
     window->Run();
     window->PostMessage(kMessageMenuWindowAttach);
-    note_display_activity();
     if (async)
         return NULL;
 
@@ -250,6 +249,12 @@ void MenuTracker::MessageReceived(BMessage* message) {
     case kMessageTrackerPointer:
         HandlePointer(message, (uint32)message->GetInt32("be:what", 0));
         break;
+    case kMessageTrackerKey: {
+        const char* bytes = NULL;
+        if (message->FindString("bytes", &bytes) == B_OK)
+            HandleKey(bytes, (uint32)message->GetInt32("modifiers", 0));
+        break;
+    }
     case kMessageTrackerLevelShown: {
         int32 level = _LevelBySerial((uint32)message->GetInt32("serial", 0));
         if (level < 0 || fEnded)
@@ -316,11 +321,13 @@ void MenuTracker::HandlePointer(BMessage* message, uint32 what) {
     fBusy++;
     uint32 buttons = (uint32)message->GetInt32("buttons", 0);
     Hit hit = _HitTest(where);
+    if (what != B_MOUSE_WHEEL_CHANGED)
+        _AutoScroll(hit);
     switch (what) {
     case B_MOUSE_MOVED:
         if (hit.level < 0)
             _PointerOutside();
-        else
+        else if (hit.arrow == 0)
             _Hover(hit);
         break;
     case B_MOUSE_DOWN:
@@ -335,7 +342,8 @@ void MenuTracker::HandlePointer(BMessage* message, uint32 what) {
             _End(-1, -1);
             break;
         }
-        _Hover(hit);
+        if (hit.arrow == 0)
+            _Hover(hit);
         break;
     case B_MOUSE_UP: {
         if (buttons != 0)
@@ -350,7 +358,8 @@ void MenuTracker::HandlePointer(BMessage* message, uint32 what) {
         float distance = hypotf(where.x - fStartPoint.x, where.y - fStartPoint.y);
         bool quick =
             system_time() - fStartTime <= DisplayServer::kClickSpeed && distance <= kClickSlop;
-        bool stay = quick || fKeepOpen || (fHasClickRect && fClickRect.Contains(where)) ||
+        bool stay = quick || fKeepOpen || hit.arrow != 0 ||
+                    (fHasClickRect && fClickRect.Contains(where)) ||
                     (hit.level >= 0 && hit.index >= 0 && hit.submenu != NULL) ||
                     (_IsBar() && hit.level == 0);
         if (stay)
@@ -366,7 +375,6 @@ void MenuTracker::HandlePointer(BMessage* message, uint32 what) {
         BMessage scroll(kMessageMenuWindowScroll);
         scroll.AddFloat("delta", message->GetFloat("be:wheel_delta_y", 0.0f) * 20.0f);
         fLevels[deepest].messenger.SendMessage(&scroll);
-        note_display_activity();
         break;
     }
     }
@@ -392,7 +400,6 @@ void MenuTracker::RootGone(BMenu* menu) {
             BMessage closed(kMessageTrackerLevelClosed);
             closed.AddInt32("serial", (int32)kRootSerial);
             BMessenger(this).SendMessage(&closed);
-            note_display_activity();
         }
         return;
     }
@@ -422,7 +429,6 @@ void MenuTracker::_End(int32 level, int32 index) {
             fPendingSerial = entry.serial;
         }
         entry.messenger.SendMessage(&close);
-        note_display_activity();
     }
     fLevels.resize(std::min<size_t>(fLevels.size(), 1));
     _ReleaseRoot();
@@ -433,7 +439,6 @@ void MenuTracker::_End(int32 level, int32 index) {
             if (_IsBar()) {
                 if (fDeliver && chosen.item->IsEnabled())
                     chosen.item->Invoke();
-                note_display_activity();
                 _Finish(chosen.item);
                 return;
             }

@@ -94,6 +94,8 @@ private:
         BMenu* submenu = NULL;
         BMenuItem* item = NULL;
         BRect frame;
+        // -1 or 1 on the scroll arrow above or below a menu (no item then).
+        int32 arrow = 0;
     };
 
     enum mode { kDragging, kSticky };
@@ -108,6 +110,8 @@ private:
     int32 _LevelBySerial(uint32 serial) const;
 
     void _Hover(const Hit& hit);
+    // Starts or stops the scrolling of the menu whose arrow the pointer is on.
+    void _AutoScroll(const Hit& hit);
     void _PointerOutside();
     void _SetSelected(int32 level, int32 index, bool reveal);
     void _OpenSubmenu(int32 level, int32 index, bool selectFirst);
@@ -142,6 +146,9 @@ private:
     BPoint fStartPoint;
     bigtime_t fStartTime;
     uint32 fPendingSerial;
+    // The level scrolling from an arrow (its serial, 0 for none), and which way.
+    uint32 fScrollSerial;
+    int32 fScrollDirection;
 
     BView* fPreviousFocus;
     BMessageFilter* fFilter;

@@ -40,7 +40,12 @@ MenuTracker::Hit MenuTracker::_HitTest(BPoint where) {
         if (!snapshot.shown || !snapshot.windowFrame.Contains(where))
             continue;
         hit.level = level;
-        BPoint local = where - snapshot.windowFrame.LeftTop() + snapshot.scroll;
+        if (!snapshot.menuFrame.Contains(where)) {
+            // On the scroll arrow above or below the menu.
+            hit.arrow = where.y < snapshot.menuFrame.top ? -1 : 1;
+            return hit;
+        }
+        BPoint local = where - snapshot.menuFrame.LeftTop() + snapshot.scroll;
         const std::vector<MenuSnapshotItem>& items = snapshot.items;
         int32 found = -1;
         if (snapshot.layout == B_ITEMS_IN_MATRIX) {
@@ -108,7 +113,7 @@ bool MenuTracker::_Entry(int32 level, int32 index, Hit* hit) {
     hit->separator = item.separator;
     hit->submenu = item.submenu;
     BRect frame = item.frame;
-    frame.OffsetBy(snapshot.windowFrame.LeftTop() - snapshot.scroll);
+    frame.OffsetBy(snapshot.menuFrame.LeftTop() - snapshot.scroll);
     // Items of a column span the window, those of a row its height.
     if (snapshot.layout == B_ITEMS_IN_COLUMN) {
         frame.left = snapshot.windowFrame.left;
@@ -167,6 +172,33 @@ void MenuTracker::_Hover(const Hit& hit) {
         _OpenSubmenu(level, hit.index, false);
 }
 
+void MenuTracker::_AutoScroll(const Hit& hit) {
+    uint32 serial = 0;
+    int32 direction = 0;
+    if (hit.arrow != 0 && hit.level >= 0 && fLevels[hit.level].window != NULL) {
+        serial = fLevels[hit.level].serial;
+        direction = hit.arrow;
+    }
+    if (serial == fScrollSerial && direction == fScrollDirection)
+        return;
+    if (fScrollSerial != 0) {
+        // Its window may have closed meanwhile; then there is nothing to stop.
+        int32 previous = _LevelBySerial(fScrollSerial);
+        if (previous >= 0 && fLevels[previous].window != NULL) {
+            BMessage stop(kMessageMenuWindowAutoScroll);
+            stop.AddInt32("direction", 0);
+            fLevels[previous].messenger.SendMessage(&stop);
+        }
+    }
+    fScrollSerial = serial;
+    fScrollDirection = direction;
+    if (serial != 0) {
+        BMessage start(kMessageMenuWindowAutoScroll);
+        start.AddInt32("direction", direction);
+        fLevels[hit.level].messenger.SendMessage(&start);
+    }
+}
+
 void MenuTracker::_PointerOutside() {
     // The deepest menu lets go of its item, so a release there chooses nothing.
     int32 deepest = (int32)fLevels.size() - 1;
@@ -190,7 +222,6 @@ void MenuTracker::_SetSelected(int32 level, int32 index, bool reveal) {
     select.AddInt32("index", index);
     select.AddBool("reveal", reveal);
     entry.messenger.SendMessage(&select);
-    note_display_activity();
 }
 
 void MenuTracker::_OpenSubmenu(int32 level, int32 index, bool selectFirst) {
@@ -223,7 +254,6 @@ void MenuTracker::_OpenLevel(BMenu* menu, BRect superitemFrame, bool hasSuperite
     if (hasSuperitem)
         attach.AddRect("superitem", superitemFrame);
     window->PostMessage(&attach);
-    note_display_activity();
 }
 
 void MenuTracker::_CloseLevels(int32 from, bool alreadyClosed) {
@@ -235,7 +265,6 @@ void MenuTracker::_CloseLevels(int32 from, bool alreadyClosed) {
         if (alreadyClosed && level == from)
             continue;
         fLevels[level].messenger.SendMessage(kMessageMenuWindowClose);
-        note_display_activity();
     }
     fLevels.resize(from);
     if (fLevels[from - 1].selected >= 0 && alreadyClosed)

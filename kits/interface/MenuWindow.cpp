@@ -3,6 +3,7 @@
 
 #include "interface/MenuData.h"
 #include "interface/MenuPrivate.h"
+#include "interface/MenuScrollArrow.h"
 #include "interface/MenuTracker.h"
 #include "interface/WindowPrivate.h"
 
@@ -21,6 +22,13 @@ const uint32 kMenuWindowFlags = B_NOT_MOVABLE | B_NOT_CLOSABLE | B_NOT_ZOOMABLE 
                                 B_NOT_MINIMIZABLE | B_NOT_RESIZABLE | B_AVOID_FOCUS |
                                 B_WILL_ACCEPT_FIRST_CLICK | B_ASYNCHRONOUS_CONTROLS;
 
+// Scrolling from an arrow starts at about an item a step and speeds up while
+// the pointer stays, so the far end of a folder of hundreds of files is a
+// second or two away.
+const float kFirstAutoScrollStep = 16.0f;
+const float kLastAutoScrollStep = 160.0f;
+const float kAutoScrollAcceleration = 1.2f;
+
 const char* window_title(BMenu* menu) {
     const char* name = menu != NULL ? menu->Name() : NULL;
     return name != NULL && name[0] != '\0' ? name : "menu";
@@ -34,7 +42,18 @@ MenuWindow::MenuWindow(BMenu* menu, const BMessenger& tracker, uint32 serial,
               kMenuWindowFlags, B_CURRENT_WORKSPACE),
       fMenu(menu), fTracker(tracker), fSerial(serial), fSnapshot(std::move(snapshot)),
       fShowTriggers(showTriggers), fAttached(false), fClosed(false), fInStep(false),
-      fDeleteMenu(false), fRunning(false), fOwnedTracker(NULL), fRefreshPosted(false) {}
+      fDeleteMenu(false), fRunning(false), fUpArrow(NULL), fDownArrow(NULL), fScrollable(false),
+      fAutoScroll(0), fAutoScrollStep(kFirstAutoScrollStep), fOwnedTracker(NULL),
+      fRefreshPosted(false) {
+    // The window is locked by the thread making it until it runs.
+    fUpArrow = new MenuScrollArrow(BRect(0, 0, 0, 0), -1);
+    fDownArrow = new MenuScrollArrow(BRect(0, 0, 0, 0), 1);
+    fUpArrow->Hide();
+    fDownArrow->Hide();
+    AddChild(fUpArrow);
+    AddChild(fDownArrow);
+    SetPulseRate(kMenuScrollInterval);
+}
 
 MenuWindow::~MenuWindow() {
     // The menu is not the window's to delete with its views.
@@ -75,10 +94,20 @@ void MenuWindow::DispatchMessage(BMessage* message, BHandler* handler) {
             forward.AddInt32("be:what", (int32)message->what);
             bigtime_t timeout = message->what == B_MOUSE_MOVED ? 0 : B_INFINITE_TIMEOUT;
             fTracker.SendMessage(&forward, (BHandler*)NULL, timeout);
-            note_display_activity();
             return;
         }
         break;
+    case B_KEY_DOWN: {
+        // The window holding the grab gets the keys: they are the tracker's.
+        const char* bytes = NULL;
+        if (message->FindString("bytes", &bytes) == B_OK && bytes != NULL) {
+            BMessage key(kMessageTrackerKey);
+            key.AddString("bytes", bytes);
+            key.AddInt32("modifiers", message->GetInt32("modifiers", 0));
+            fTracker.SendMessage(&key);
+        }
+        return;
+    }
     }
     BWindow::DispatchMessage(message, handler);
 }
@@ -100,14 +129,12 @@ void MenuWindow::MessageReceived(BMessage* message) {
         break;
     case kMessageMenuWindowScroll:
         if (fAttached && fMenu != NULL) {
-            float extent;
-            fMenu->GetSize(NULL, &extent);
-            BRect bounds = fMenu->Bounds();
-            float top = bounds.top + message->GetFloat("delta", 0.0f);
-            top = fmaxf(0.0f, fminf(top, extent - bounds.Height()));
-            fMenu->ScrollTo(BPoint(bounds.left, top));
+            _ScrollBy(message->GetFloat("delta", 0.0f));
             _Publish();
         }
+        break;
+    case kMessageMenuWindowAutoScroll:
+        _SetAutoScroll(message->GetInt32("direction", 0));
         break;
     case kMessageMenuWindowRefresh:
         fRefreshPosted.store(false);
@@ -129,7 +156,6 @@ void MenuWindow::ScheduleRefresh(bool relayout) {
     bool expected = false;
     if (fRefreshPosted.compare_exchange_strong(expected, true))
         PostMessage(kMessageMenuWindowRefresh);
-    note_display_activity();
 }
 
 void MenuWindow::_Attach(BMessage* message) {
@@ -176,12 +202,16 @@ void MenuWindow::_Attach(BMessage* message) {
         return;
     }
     _Place(true);
+    // A pop-up holds the pointer from the moment it shows: a press that comes
+    // before its tracker hears of it must not reach the window underneath.
+    // Submenus get the grab from the tracker, which may have moved on.
+    if (fOwnedTracker != NULL)
+        WindowPrivate(this).GrabPointer();
     Show();
     _Publish();
     BMessage shown(kMessageTrackerLevelShown);
     shown.AddInt32("serial", (int32)fSerial);
     fTracker.SendMessage(&shown);
-    note_display_activity();
     if (menu.IsFilling())
         PostMessage(kMessageMenuWindowStep);
 }
@@ -193,8 +223,11 @@ void MenuWindow::_Place(bool first) {
     if (first)
         fLocation = MenuPrivate(fMenu).ScreenLocation();
     BRect screen = BScreen(this).Frame();
+    float menuHeight = height;
     width = fmaxf(0.0f, fminf(width, screen.Width()));
     height = fmaxf(0.0f, fminf(height, screen.Height()));
+    // Room for both arrows and a little of the menu between them.
+    bool scrollable = menuHeight > height && height > 3.0f * kMenuScrollArrowHeight;
 
     // Kept on screen: a submenu cascading to the right of its item that would
     // leave the screen opens on the item's left; one dropping below its item
@@ -221,7 +254,102 @@ void MenuWindow::_Place(bool first) {
 
     ResizeTo(width, height);
     MoveTo(where);
-    fMenu->ResizeTo(width, height);
+    _LayoutScrolling(width, height, scrollable);
+}
+
+void MenuWindow::_LayoutScrolling(float width, float height, bool scrollable) {
+    bool appeared = scrollable && !fScrollable;
+    fScrollable = scrollable;
+    if (!scrollable) {
+        if (!fUpArrow->IsHidden()) {
+            fUpArrow->Hide();
+            fDownArrow->Hide();
+        }
+        fMenu->MoveTo(0, 0);
+        fMenu->ResizeTo(width, height);
+        fAutoScroll = 0;
+    } else {
+        float strip = kMenuScrollArrowHeight;
+        fUpArrow->MoveTo(0, 0);
+        fUpArrow->ResizeTo(width, strip - 1.0f);
+        fDownArrow->MoveTo(0, height - strip + 1.0f);
+        fDownArrow->ResizeTo(width, strip - 1.0f);
+        if (fUpArrow->IsHidden()) {
+            fUpArrow->Show();
+            fDownArrow->Show();
+        }
+        fMenu->MoveTo(0, strip);
+        fMenu->ResizeTo(width, height - 2.0f * strip);
+    }
+    // A menu that got shorter may be scrolled past its new end.
+    _ScrollBy(0.0f);
+    _UpdateArrows();
+    if (appeared && fAttached && !IsHidden()) {
+        // The arrows may have come under a pointer that rests there: the
+        // tracker looks again at what it is over.
+        _Publish();
+        BPoint where;
+        uint32 buttons = 0;
+        get_mouse(&where, &buttons);
+        BMessage pointer(kMessageTrackerPointer);
+        pointer.AddInt32("be:what", (int32)B_MOUSE_MOVED);
+        pointer.AddPoint(kFieldScreenWhere, where);
+        pointer.AddInt32("buttons", (int32)buttons);
+        fTracker.SendMessage(&pointer);
+    }
+}
+
+float MenuWindow::_MenuHeight() {
+    // A subclass's GetSize() may well fill in both sizes without asking.
+    float width = 0.0f;
+    float height = 0.0f;
+    fMenu->GetSize(&width, &height);
+    return height;
+}
+
+void MenuWindow::_ScrollBy(float delta) {
+    if (fMenu == NULL)
+        return;
+    float extent = _MenuHeight();
+    BRect bounds = fMenu->Bounds();
+    float top = bounds.top + delta;
+    top = fmaxf(0.0f, fminf(top, extent - bounds.Height()));
+    if (top != bounds.top)
+        fMenu->ScrollTo(BPoint(bounds.left, top));
+}
+
+void MenuWindow::_SetAutoScroll(int32 direction) {
+    direction = direction < 0 ? -1 : (direction > 0 ? 1 : 0);
+    if (!fAttached || fMenu == NULL || !fScrollable)
+        direction = 0;
+    if (direction != fAutoScroll)
+        fAutoScrollStep = kFirstAutoScrollStep;
+    fAutoScroll = direction;
+    _UpdateArrows();
+}
+
+void MenuWindow::AutoScrollStep(int32 direction) {
+    if (direction == 0 || direction != fAutoScroll || !fAttached || fMenu == NULL)
+        return;
+    _ScrollBy(direction * fAutoScrollStep);
+    fAutoScrollStep = fminf(fAutoScrollStep * kAutoScrollAcceleration, kLastAutoScrollStep);
+    _Publish();
+}
+
+void MenuWindow::_UpdateArrows() {
+    bool canGoUp = false;
+    bool canGoDown = false;
+    if (fScrollable && fMenu != NULL) {
+        float extent = _MenuHeight();
+        BRect bounds = fMenu->Bounds();
+        canGoUp = bounds.top > 0.0f;
+        canGoDown = bounds.top < extent - bounds.Height();
+    }
+    fUpArrow->SetEnabled(canGoUp);
+    fDownArrow->SetEnabled(canGoDown);
+    // Pulses only while there is somewhere to go.
+    fUpArrow->SetScrolling(fAutoScroll < 0 && canGoUp);
+    fDownArrow->SetScrolling(fAutoScroll > 0 && canGoDown);
 }
 
 void MenuWindow::_Step() {
@@ -244,9 +372,10 @@ void MenuWindow::_Refresh() {
     float height = 0.0f;
     fMenu->GetSize(&width, &height);
     BRect screen = BScreen(this).Frame();
+    bool scrollable = height > screen.Height() && screen.Height() > 3.0f * kMenuScrollArrowHeight;
     width = fmaxf(0.0f, fminf(width, screen.Width()));
     height = fmaxf(0.0f, fminf(height, screen.Height()));
-    if (width != Bounds().Width() || height != Bounds().Height())
+    if (width != Bounds().Width() || height != Bounds().Height() || scrollable != fScrollable)
         _Place(false);
     _Publish();
 }
@@ -254,6 +383,7 @@ void MenuWindow::_Refresh() {
 void MenuWindow::_Publish() {
     if (fMenu == NULL)
         return;
+    _UpdateArrows();
     MenuPrivate(fMenu).Publish();
     std::lock_guard<std::mutex> lock(fSnapshot->lock);
     fSnapshot->shown = fAttached;
@@ -274,7 +404,6 @@ void MenuWindow::_Close(BMessage* message) {
     if (invoked != NULL)
         closed.AddPointer("item", invoked);
     fTracker.SendMessage(&closed);
-    note_display_activity();
     Quit();
 }
 
@@ -290,6 +419,7 @@ BMenuItem* MenuWindow::CloseMenu(BMenuItem* item, int32 index, bool invoke) {
             chosen = item;
         menu.Select(-1, false);
         menu.SetShowTriggers(false);
+        _SetAutoScroll(0);
         WindowPrivate(this).UngrabPointer();
         RemoveChild(fMenu);
         menu.SetSnapshot(NULL);
@@ -304,7 +434,6 @@ BMenuItem* MenuWindow::CloseMenu(BMenuItem* item, int32 index, bool invoke) {
     // Like on Be, the item is invoked once its menu has closed.
     if (chosen != NULL && invoke)
         chosen->Invoke();
-    note_display_activity();
     if (fDeleteMenu && fMenu != NULL) {
         delete fMenu;
         fMenu = NULL;
@@ -339,7 +468,6 @@ void MenuWindow::MenuGone(BMenu* menu, bool complete) {
     }
     if (!fClosed && fOwnedTracker == NULL)
         PostMessage(kMessageMenuWindowClose);
-    note_display_activity();
 }
 
 } // namespace BPrivate

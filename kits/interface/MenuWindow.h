@@ -2,8 +2,10 @@
 // window and never focused. It attaches the menu in its own thread (so the
 // menu's AttachedToWindow() and dynamic items run there), places itself where
 // the menu's ScreenLocation() says, kept on screen, and grows while dynamic
-// items arrive, one per loop turn. Pointer events it receives go to the
-// tracker; the tracker's messages select, close and invoke.
+// items arrive, one per loop turn. A menu taller than the screen gets a scroll
+// arrow above and below it (MenuScrollArrow). Pointer and key events it
+// receives go to the tracker; the tracker's messages select, scroll, close and
+// invoke.
 #ifndef _INTERFACE_MENU_WINDOW_H
 #define _INTERFACE_MENU_WINDOW_H
 
@@ -18,6 +20,7 @@ class BMenuItem;
 
 namespace BPrivate {
 
+class MenuScrollArrow;
 class MenuTracker;
 struct MenuSnapshot;
 struct MenuTrackingResult;
@@ -48,10 +51,19 @@ public:
     BMenuItem* CloseMenu(BMenuItem* item, int32 index, bool invoke);
     // The pop-up menu is deleted once it is removed.
     void SetDeleteMenu(bool deleteMenu) { fDeleteMenu = deleteMenu; }
+    // One step of the scrolling while the pointer rests on a scroll arrow;
+    // each step goes a little further than the one before.
+    void AutoScrollStep(int32 direction);
 
 private:
     void _Attach(BMessage* message);
     void _Place(bool first);
+    // Fits the menu, and the arrows when it is taller than the window.
+    void _LayoutScrolling(float width, float height, bool scrollable);
+    float _MenuHeight();
+    void _ScrollBy(float delta);
+    void _SetAutoScroll(int32 direction);
+    void _UpdateArrows();
     void _Step();
     void _Refresh();
     void _Publish();
@@ -68,6 +80,12 @@ private:
     bool fDeleteMenu;
     bool fRunning;
     BPoint fLocation;
+    MenuScrollArrow* fUpArrow;
+    MenuScrollArrow* fDownArrow;
+    bool fScrollable;
+    // -1 or 1 while the pointer rests on an arrow.
+    int32 fAutoScroll;
+    float fAutoScrollStep;
     MenuTracker* fOwnedTracker;
     std::atomic<bool> fRefreshPosted;
 };

@@ -208,17 +208,22 @@ bool BView::RemoveSelf() {
         // The hooks ran with the view still in place; now it leaves.
         if (fPrivate->window == window)
             _Detach();
+    }
+    parent = fPrivate->parent;
+    if (parent != NULL) {
+        std::vector<BView*>& siblings = parent->fPrivate->children;
+        siblings.erase(std::remove(siblings.begin(), siblings.end(), this), siblings.end());
+        fPrivate->parent = NULL;
+    }
+    if (window != NULL) {
+        // The window's caches are rebuilt from its tree, so only once this view is
+        // out of it: a view left in the pointer listeners would get the next mouse
+        // event after its owner deleted it.
         window->fPrivate->geometrySerial++;
         window->_UpdatePointerViews();
         window->_UpdatePulse();
     }
-    parent = fPrivate->parent;
-    if (parent == NULL)
-        return false;
-    std::vector<BView*>& siblings = parent->fPrivate->children;
-    siblings.erase(std::remove(siblings.begin(), siblings.end(), this), siblings.end());
-    fPrivate->parent = NULL;
-    return true;
+    return parent != NULL;
 }
 
 void BView::_Attach(BWindow* window) {

@@ -9,6 +9,7 @@
 #include <Window.h>
 
 #include "app/AppPrivate.h"
+#include "app/LooperPrivate.h"
 #include "interface/ViewData.h"
 #include "interface/WindowData.h"
 #include "interface/WindowPrivate.h"
@@ -99,6 +100,8 @@ void BWindow::_InitData(BRect frame, const char* title, window_look look, window
     if (data->server != NULL) {
         data->serverToken = data->server->CreateWindow(BMessenger(this), frame, title, look, feel,
                                                        flags, data->workspaces);
+        // Whatever is posted here, by any thread, is work for WaitForIdle().
+        BPrivate::LooperPrivate(this).SetDeliveryHook(DisplayServer::NoteDelivery);
     }
     BPrivate::AppPrivate::AddWindow(this);
 
@@ -347,7 +350,7 @@ void BWindow::MoveTo(float x, float y) {
         return;
     fPrivate->frame.OffsetTo(x, y);
     if (fPrivate->server != NULL)
-        fPrivate->server->MoveWindow(fPrivate->serverToken, BPoint(x, y));
+        fPrivate->server->MoveWindow(fPrivate->serverToken, BPoint(x, y), ++fPrivate->frameRequest);
 }
 
 void BWindow::ResizeBy(float dx, float dy) {
@@ -368,7 +371,7 @@ void BWindow::ResizeTo(float width, float height) {
         return;
     _Resized(width, height);
     if (data->server != NULL)
-        data->server->ResizeWindow(data->serverToken, width, height);
+        data->server->ResizeWindow(data->serverToken, width, height, ++data->frameRequest);
 }
 
 void BWindow::SetSizeLimits(float minWidth, float maxWidth, float minHeight, float maxHeight) {

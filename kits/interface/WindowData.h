@@ -82,6 +82,9 @@ struct BWindow::Private {
     int32 transactionLevel = 0;
     int32 disabledUpdatesLevel = 0;
     uint32 updatePasses = 0;
+    // Numbers the moves and resizes asked of the display server; its messages
+    // about older ones describe a frame the window has already left.
+    uint32 frameRequest = 0;
     int32 dispatchDepth = 0;
 };
 

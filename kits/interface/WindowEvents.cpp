@@ -45,6 +45,15 @@ uint32 transit_for(bool wasInside, bool isInside) {
     return wasInside ? B_EXITED_VIEW : B_OUTSIDE_VIEW;
 }
 
+// A move or resize message about a request the window has since superseded.
+// Messages made by hand carry no number and always count.
+bool is_stale_frame_message(BMessage* message, uint32 latestRequest) {
+    int32 request;
+    if (message->FindInt32(kFieldFrameRequest, &request) != B_OK)
+        return false;
+    return (uint32)request < latestRequest;
+}
+
 } // namespace
 
 bool BWindow::_HasView(BView* view) const {
@@ -71,8 +80,6 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* target) {
     if (target == NULL)
         target = this;
     uint32 what = message->what;
-    if (what != kMessageIdleProbe && what != B_PULSE && data->server != NULL)
-        data->server->NoteActivity();
     data->dispatchDepth++;
 
     if (message->WasDropped()) {
@@ -98,8 +105,10 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* target) {
                 BLooper::DispatchMessage(message, target);
                 break;
             }
-            // Someone else (a window manager) may have moved the window.
-            data->frame.OffsetTo(where);
+            // Someone else (a window manager) may have moved the window; an
+            // echo of a move since superseded is only reported.
+            if (!is_stale_frame_message(message, data->frameRequest))
+                data->frame.OffsetTo(where);
             FrameMoved(where);
             break;
         }
@@ -111,7 +120,11 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* target) {
                 BLooper::DispatchMessage(message, target);
                 break;
             }
-            if (width != (int32)data->frame.Width() || height != (int32)data->frame.Height())
+            // Applying an echo of a resize since superseded would lay the
+            // views out for a size the window no longer has, until the next
+            // echo puts them back.
+            if (!is_stale_frame_message(message, data->frameRequest) &&
+                (width != (int32)data->frame.Width() || height != (int32)data->frame.Height()))
                 _Resized(width, height);
             FrameResized(width, height);
             break;

@@ -13,6 +13,7 @@ const char* const kFieldTransit = "be:transit";
 const char* const kFieldDragMessage = "be:drag_message";
 const char* const kFieldViewWhere = "be:view_where";
 const char* const kFieldScreenWhere = "screen_where";
+const char* const kFieldFrameRequest = "be:frame_request";
 
 namespace {
 key_menu_bar_starter sKeyMenuBarStarter = NULL;

@@ -27,6 +27,9 @@ extern const char* const kFieldTransit;
 extern const char* const kFieldDragMessage;
 extern const char* const kFieldViewWhere;
 extern const char* const kFieldScreenWhere;
+// On B_WINDOW_MOVED and B_WINDOW_RESIZED from the display server: the number of
+// the window's latest move or resize request the server had applied (int32).
+extern const char* const kFieldFrameRequest;
 
 // Called when Command-Escape reaches a window that has a key menu bar; the menu
 // kit installs it. Answers whether the key was taken.

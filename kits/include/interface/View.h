@@ -94,8 +94,16 @@ const uint32 B_FOLLOW_LEFT_TOP = B_FOLLOW_LEFT | B_FOLLOW_TOP;
 class BView : public BHandler {
 public:
     BView(BRect frame, const char* name, uint32 resizingMode, uint32 flags);
+    // From an archive made by Archive(): the children archived with it are
+    // instantiated and added.
+    BView(BMessage* archive);
     // Deletes the children. A view still in a window must be removed first.
     virtual ~BView();
+
+    static BArchivable* Instantiate(BMessage* archive);
+    // The frame, name, resizing mode, flags, colours, font, pen and drawing
+    // mode, scrolling origin and event mask; with deep, every child too.
+    virtual status_t Archive(BMessage* archive, bool deep = true) const;
 
     // Hooks
     virtual void AttachedToWindow();

@@ -3,6 +3,7 @@
 #include "MenuTestSupport.h"
 #include "TestHome.h"
 #include "Watchdog.h"
+#include "interface/MenuScrollArrow.h"
 
 #include <Directory.h>
 #include <Entry.h>
@@ -367,8 +368,10 @@ TEST_F(MenuDynamicTest, WheelScrollsAMenuTallerThanTheScreen) {
         top = names->Bounds().top;
     }
     EXPECT_EQ(60, top);
-    // What the pointer is over follows the scrolling.
-    ASSERT_EQ(B_OK, HeadlessTestApi::Click(BPoint(listing.frame.left + 20, listing.frame.top + 5)));
+    // What the pointer is over follows the scrolling (just below the arrow at
+    // the top).
+    float belowArrow = listing.frame.top + BPrivate::kMenuScrollArrowHeight + 5;
+    ASSERT_EQ(B_OK, HeadlessTestApi::Click(BPoint(listing.frame.left + 20, belowArrow)));
     WaitForIdle();
     std::string first = "message " + std::to_string('name') + " index ";
     bool chosenBelowTheTop = false;
