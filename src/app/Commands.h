@@ -16,6 +16,18 @@ enum {
     kManagerUpdateSettings = 0x67720004, // the fields of an archived settings record
     kManagerLoadLayers = 0x67720005,     // no fields: rebuild the layer list
 
+    // To the bar window.
+    kSwitchLayer = 0x67720007,     // "layer_name" string, or "direction" bool (true: next)
+    kSwitchWorkspace = 0x67720008, // "workspace" int32
+    kShowShelf = 0x67720009,       // "show" bool
+
+    // To the application menu, through the bar window.
+    kUpdateIcon = 0x6772000a,            // no fields
+    kWorkspaceCountChanged = 0x6772000b, // no fields
+
+    // To the shelf, through the bar window.
+    kClearReplicants = 0x6772000c, // no fields
+
     // To the loader (gr_slave).
     kSaveLayer = 0x6772000d,   // "name" string, "paths" strings, "icon" bool
     kLoadLayer = 0x6772000e,   // "layer", "looper" pointers, "blocksize", "start" int32

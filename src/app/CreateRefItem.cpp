@@ -1,10 +1,18 @@
 #include "CreateRefItem.h"
 
+#include "Commands.h"
+#include "DirectoryMenu.h"
+#include "FileHelpers.h"
+#include "FileMenuItem.h"
+#include "LayerFile.h"
 #include "LayerInfo.h"
+#include "LayerItem.h"
 #include "LayerManager.h"
 #include "RefRetriever.h"
 
+#include <Application.h>
 #include <Entry.h>
+#include <Message.h>
 
 status_t create_ref_item(const char* path, LayerInfo* layer, RefRetriever** item) {
     if (path == NULL || layer == NULL || item == NULL)
@@ -30,13 +38,32 @@ status_t create_ref_item(const char* path, LayerInfo* layer, RefRetriever** item
         break;
     }
 
-    case which_menu_items:
-        // TODO: a FileMenuItem, or the folder hierarchy of DirectoryMenu,
-        // sending 0x67720020 with the path's ref as "file" and "entries" to
-        // be_app; they come with the file menus.
-    case which_bar_items:
-        // TODO: a LayerItem, linked to the layer named by the path's leaf when
-        // the path is a layer file; it comes with the layer bar.
+    case which_bar_items: {
+        // A layer file links to the layer of the same name, when the manager
+        // has one: its item then expands into that layer's items.
+        bool isLayerLink = is_layer_file(path) && manager->FindLayer(ref_name(path)) != NULL;
+        made = new LayerItem(path, layer, isLayerLink);
+        break;
+    }
+
+    case which_menu_items: {
+        // A folder's item unfolds into its hierarchy; every item of it opens
+        // its own entry with the path's file.
+        entry_ref ref;
+        status_t status = get_ref_for_path(path, &ref);
+        if (status != B_OK)
+            return status;
+        BMessage message(kOpen);
+        message.AddRef("file", &ref);
+        message.AddRef("entries", &ref);
+        FileMenuItem* menuItem = DirectoryMenu::StartHierarchy(&ref, &message);
+        if (menuItem == NULL)
+            menuItem = new FileMenuItem(path, new BMessage(message));
+        menuItem->SetTarget(be_app);
+        made = menuItem;
+        break;
+    }
+
     case which_list_items:
         // TODO: a FileListItem; it comes with the file list.
     default:

@@ -1,9 +1,11 @@
 #include "Glimrow.h"
 
 #include "AlertBox.h"
+#include "BarWindow.h"
 #include "Commands.h"
 #include "FileHelpers.h"
 #include "Globals.h"
+#include "HotKeyWindow.h"
 #include "IOSlave.h"
 #include "LayerInfo.h"
 #include "LayerManager.h"
@@ -15,6 +17,7 @@
 #include <InterfaceDefs.h>
 #include <Message.h>
 #include <Node.h>
+#include <OS.h>
 #include <Roster.h>
 #include <StorageDefs.h>
 #include <TextView.h>
@@ -27,6 +30,9 @@
 namespace {
 
 const char* const kFileManagerSignature = "application/x-vnd.Be-TRAK";
+
+// How often the start-up looks whether the hot-key window has closed.
+const bigtime_t kHotKeyPollInterval = 20000;
 
 const char* const kAboutText = "Glimrow 1.1.3\n"
                                "helps your life be easier.\n"
@@ -57,6 +63,13 @@ void report_launch(team_id team, const char* signature, const entry_ref& file, s
     alert(kLaunchFailedAlert, signature[0] != '\0' ? signature : file.name, status);
 }
 
+// The bar sets gr_manager and gr_settings, reads the settings and loads the
+// layers as it is made; showing it enables the layers and starts its chores.
+void show_new_bar() {
+    BarWindow* bar = new BarWindow();
+    bar->Show();
+}
+
 } // namespace
 
 Glimrow::Glimrow(bool convert, bool setHotKey)
@@ -71,9 +84,13 @@ Glimrow::Glimrow(bool convert, bool setHotKey)
         ConvertSettings();
 
     if (setHotKey) {
-        // TODO: the hot-key window (HotKeyWindow(&fHotKey, &done), shown, then
-        // polled every 20 ms until done) comes with keyboard navigation; until
-        // then no hot key is set.
+        // The window fills (or clears) fHotKey and stores it itself; its
+        // destructor sets done.
+        bool done = false;
+        HotKeyWindow* window = new HotKeyWindow(&fHotKey, &done);
+        window->Show();
+        while (!hot_key_window_done(&done))
+            snooze(kHotKeyPollInterval);
         return;
     }
 
@@ -99,8 +116,11 @@ void Glimrow::MessageReceived(BMessage* message) {
     case kRebuildBar:
         if (gr_manager == NULL)
             break;
-        // TODO: lock gr_manager, Quit() it, then show a new BarWindow; the
-        // bar window comes with the bar.
+        // Quit() from this thread returns once the old bar's thread has ended,
+        // so the new bar never meets the old one's layers or globals.
+        if (gr_manager->Lock())
+            gr_manager->Quit();
+        show_new_bar();
         break;
 
     case kOpen:
@@ -136,8 +156,7 @@ bool Glimrow::QuitRequested() {
 }
 
 void Glimrow::ReadyToRun() {
-    // TODO: create the bar window (new BarWindow()) and Show() it; it sets
-    // gr_manager and gr_settings, reads the settings and loads the layers.
+    show_new_bar();
 }
 
 void Glimrow::AboutRequested() {

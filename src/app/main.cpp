@@ -1,6 +1,8 @@
 #include "CommandLine.h"
 #include "Glimrow.h"
 
+#include <Screen.h>
+
 int main(int argc, char** argv) {
     bool convert = false;
     bool setHotKey = false;
@@ -8,6 +10,11 @@ int main(int argc, char** argv) {
         print_usage();
         return 0;
     }
+
+    // Without a display there is no bar to show; the display backend has already
+    // told standard error why it could not open one.
+    if (!BScreen().IsValid())
+        return 1;
 
     Glimrow* application = new Glimrow(convert, setHotKey);
     application->Run();

@@ -12,6 +12,7 @@
 #include <Entry.h>
 #include <Message.h>
 #include <MessageQueue.h>
+#include <Messenger.h>
 #include <OS.h>
 
 #include <string>
@@ -72,7 +73,11 @@ void IOSlave::LoadLayer(BMessage* message) {
     if (message->FindInt32("start", &start) != B_OK || start < 0)
         start = 0;
 
-    if (!looper->Lock())
+    // The window may be gone before or during the load (a rebuilt or quitting bar):
+    // it is locked through a messenger, which fails for a looper that no longer
+    // exists instead of touching it.
+    BMessenger manager(NULL, looper);
+    if (!manager.LockTarget())
         return;
     if (looper->IndexOf(layer) < 0) {
         looper->Unlock();
@@ -121,7 +126,7 @@ void IOSlave::LoadLayer(BMessage* message) {
 
         looper->Unlock();
         snooze(kItemPause);
-        bool locked = looper->Lock();
+        bool locked = manager.LockTarget();
         if (!locked || looper->IndexOf(layer) < 0) {
             if (locked)
                 looper->Unlock();

@@ -5,6 +5,7 @@
 
 #include <MessageQueue.h>
 
+#include <atomic>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -311,6 +312,30 @@ TEST_F(IOSlaveTest, LoadStopsWhenTheLayerIsRemovedMidLoad) {
     ASSERT_EQ(replies.size(), 1u);
     EXPECT_FALSE(replies[0].finish);
     delete removed;
+}
+
+TEST_F(IOSlaveTest, WindowQuitMidLoadEndsTheLoadAndTheLoaderGoesOn) {
+    MakeLayer("Long", lines(100));
+    IOSlave* slave = StartSlave();
+    // Not kept by the fixture: the test quits it itself while the loader reads.
+    RecordingManager* doomed = new RecordingManager();
+    doomed->Show();
+    LayerInfo* layer = locked<LayerInfo*>(doomed, [&] { return doomed->FindLayer("Long"); });
+    std::atomic<bool> replied(false);
+    doomed->SetOnReply([&](RecordingManager*, BHandler* target) {
+        if (target == layer)
+            replied = true;
+    });
+    Load(slave, layer, doomed, 1, 0);
+    ASSERT_TRUE(wait_until([&] { return replied.load(); }));
+    ASSERT_TRUE(doomed->Lock());
+    doomed->Quit();
+
+    // The loader finds the window gone at its next item and takes the next request.
+    RecordingManager* manager = ShownManager();
+    LayerInfo* targets = locked<LayerInfo*>(manager, [&] { return manager->FindLayer(""); });
+    Load(slave, targets, manager, 1, 0);
+    EXPECT_TRUE(manager->WaitForFinish(targets));
 }
 
 TEST_F(IOSlaveTest, UndeliveredItemsAreDeletedWithoutALayer) {
