@@ -1,6 +1,6 @@
 // Prepares a home folder for measuring the bar on a desktop: one layer called
 // "Bench" with a given number of real files, shown on every workspace, and the
-// bar in a chosen corner.
+// bar in a chosen corner (3, bottom-left, unless told otherwise).
 //
 //   glimrow-bench-home <home> <items> [location]
 //
@@ -51,7 +51,7 @@ int main(int argc, char** argv) {
     }
     std::string home = argv[1];
     int32 itemCount = atoi(argv[2]);
-    int32 location = argc > 3 ? atoi(argv[3]) : 0;
+    int32 location = argc > 3 ? atoi(argv[3]) : 3;
     setenv("HOME", home.c_str(), 1);
     unsetenv("XDG_CONFIG_HOME");
 
@@ -90,6 +90,8 @@ int main(int argc, char** argv) {
     for (int32 index = 0; index < kLayerNameCount; index++)
         archive.ReplaceString("layerName", index, "Bench");
     archive.ReplaceInt32("location", location);
+    // The strips run away from the corner, so the whole bar stays on the screen.
+    archive.ReplaceInt32("direction", location < 2 ? 0 : 1);
     record.set_to(&archive);
     status = write_settings_file(&record);
     if (status != B_OK) {
