@@ -1,4 +1,4 @@
-// glimrow-demo-setup HOME [DATA]: fills a fresh home with what makes the bar
+// glimrow-demo-setup HOME: fills a fresh home with what makes the bar
 // worth looking at: a settings file, an "Apps" layer of the desktop entries
 // installed on this system, a "Docs" layer of typed files in ~/Demo together
 // with a nested layer item (the "Apps" layer file itself), and a targets list.
@@ -127,8 +127,8 @@ int fail(const char* what, status_t status) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2 || argc > 3) {
-        fprintf(stderr, "usage: glimrow-demo-setup HOME [DATA]\n");
+    if (argc != 2) {
+        fprintf(stderr, "usage: glimrow-demo-setup HOME\n");
         return 2;
     }
     const std::string home = argv[1];
