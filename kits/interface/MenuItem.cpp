@@ -34,8 +34,10 @@ bool shortcut_in_use(BMenu* menu, const BMenuItem* except, char shortcut, uint32
             menu_key_of((uint8)item->Shortcut()) == menu_key_of((uint8)shortcut) &&
             (itemModifiers | B_COMMAND_KEY) == (modifiers | B_COMMAND_KEY))
             return true;
-        if (item->Submenu() != NULL &&
-            shortcut_in_use(item->Submenu(), except, shortcut, modifiers))
+        if (item->Submenu() == NULL)
+            continue;
+        MenuWindowLocker locker(item->Submenu());
+        if (shortcut_in_use(item->Submenu(), except, shortcut, modifiers))
             return true;
     }
     return false;
@@ -365,6 +367,9 @@ void BMenuItem::_Install(BWindow* window) {
 
 void BMenuItem::_Uninstall() {
     if (fSubmenu != NULL) {
+        // A submenu open in a menu window belongs to that window's thread, which
+        // may be filling or laying it out while this window quits.
+        MenuWindowLocker locker(fSubmenu);
         for (int32 index = 0; index < fSubmenu->CountItems(); index++)
             fSubmenu->ItemAt(index)->_Uninstall();
     }

@@ -192,6 +192,15 @@ MenuWindow* MenuPrivate::ClaimedBy() const {
 }
 
 void MenuPrivate::LeaveMenuWindow() {
+    // Deeper menus first: their windows read the chain of supermenus above
+    // them, which the caller is about to take apart.
+    {
+        MenuWindowLocker locker(fMenu);
+        for (BMenuItem* item : fMenu->fPrivate->items) {
+            if (item->Submenu() != NULL)
+                MenuPrivate(item->Submenu()).LeaveMenuWindow();
+        }
+    }
     MenuWindow* window = ClaimedBy();
     if (window != NULL && window->Lock()) {
         window->MenuGone(fMenu, true);

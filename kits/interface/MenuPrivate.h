@@ -98,8 +98,8 @@ public:
     bool Claim(MenuWindow* window, bool* gone);
     void Release(MenuWindow* window);
     MenuWindow* ClaimedBy() const;
-    // Takes a menu out of the menu window it is shown in, hooks and all, before
-    // it is deleted (any thread).
+    // Takes a menu and its submenus out of the menu windows they are shown in,
+    // hooks and all, before they are deleted (any thread).
     void LeaveMenuWindow();
     void SetSnapshot(std::shared_ptr<MenuSnapshot> snapshot);
     // Brings the snapshot up to date (the menu's window locked).

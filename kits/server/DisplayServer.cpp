@@ -386,15 +386,22 @@ void DisplayServer::WindowSynced(int32 id, uint64 ticket, bool idle) {
     fModelCondition.notify_all();
 }
 
-bool DisplayServer::_WatchApplication() {
+status_t DisplayServer::_WatchApplication(bool* running) {
+    *running = false;
     // Only an application running in a thread of its own can be asked; one that
     // is not running handles nothing anyway.
     BApplication* application = be_app;
-    if (application == NULL || !application->Lock())
-        return false;
-    bool running =
-        LooperPrivate(application).IsRunning() && application->Thread() != find_thread(NULL);
-    if (running) {
+    if (application == NULL)
+        return B_OK;
+    // Another thread may hold the application for as long as it likes (one
+    // that has not called Run() yet): that is busy, not a reason to hang.
+    status_t status = application->LockWithTimeout(kApplicationLockWait);
+    if (status == B_TIMED_OUT || status == B_WOULD_BLOCK)
+        return B_TIMED_OUT;
+    if (status != B_OK)
+        return B_OK;
+    *running = LooperPrivate(application).IsRunning() && application->Thread() != find_thread(NULL);
+    if (*running) {
         std::lock_guard<std::mutex> lock(fLock);
         if (!(fWatchedApplication == be_app_messenger)) {
             LooperPrivate(application).SetDeliveryHook(NoteDelivery);
@@ -402,17 +409,19 @@ bool DisplayServer::_WatchApplication() {
         }
     }
     application->Unlock();
-    return running;
+    return B_OK;
 }
 
 status_t DisplayServer::WaitForIdle(bigtime_t timeout) {
     auto deadline = deadline_after(timeout);
-    bool application = _WatchApplication();
     while (true) {
         uint64 activityBefore = fActivity.load();
+        bool idle = true;
+        bool application = false;
+        if (_WatchApplication(&application) != B_OK)
+            idle = false;
         Sync();
 
-        bool idle = true;
         if (application) {
             // The reply comes once everything queued before the probe is handled.
             BMessage probe(kMessageIdleProbe);

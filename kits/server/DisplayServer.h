@@ -218,6 +218,8 @@ public:
 
     static constexpr bigtime_t kClickSpeed = 500000;
     static constexpr int32 kMaxWorkspaces = 32;
+    // How long WaitForIdle() waits at a time for the application's lock.
+    static constexpr bigtime_t kApplicationLockWait = 10000;
 
 protected:
     DisplayServer();
@@ -297,7 +299,9 @@ protected:
 
 private:
     void _Loop();
-    bool _WatchApplication();
+    // Whether the application runs in a thread of its own and can be asked if
+    // it is idle; B_TIMED_OUT when another thread held it too long to tell.
+    status_t _WatchApplication(bool* running);
     bigtime_t _RunTimers();
 
     // Window management, fLock held

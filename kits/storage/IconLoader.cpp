@@ -2,11 +2,10 @@
 
 #include "GLibHandles.h"
 #include "IconTheme.h"
+#include "SvgLibrary.h"
 #include "interface/SystemPalette.h"
 
 #include <Bitmap.h>
-
-#include <librsvg/rsvg.h>
 
 #include <stdio.h>
 #include <string.h>
@@ -115,8 +114,11 @@ std::shared_ptr<IconImage> decode_png(const std::string& path, int32 size) {
 }
 
 std::shared_ptr<IconImage> decode_svg(const std::string& path, int32 size) {
+    const SvgLibrary* library = SvgLibrary::Get();
+    if (library == NULL)
+        return nullptr;
     GError* rawError = nullptr;
-    ObjectPtr<RsvgHandle> handle(rsvg_handle_new_from_file(path.c_str(), &rawError));
+    ObjectPtr<RsvgHandle> handle(library->NewFromFile(path.c_str(), &rawError));
     ErrorPtr error(rawError);
     if (handle == nullptr)
         return nullptr;
@@ -126,7 +128,7 @@ std::shared_ptr<IconImage> decode_svg(const std::string& path, int32 size) {
         RsvgRectangle viewport = {0, 0, double(size), double(size)};
         rawError = nullptr;
         gboolean rendered =
-            rsvg_handle_render_document(handle.get(), context.get(), &viewport, &rawError);
+            library->RenderDocument(handle.get(), context.get(), &viewport, &rawError);
         ErrorPtr renderError(rawError);
         if (!rendered)
             return nullptr;

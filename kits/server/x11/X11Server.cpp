@@ -5,6 +5,7 @@
 #include "server/x11/X11Server.h"
 
 #include "server/x11/X11DropTarget.h"
+#include "server/x11/X11KeyState.h"
 #include "server/x11/X11Keyboard.h"
 #include "server/x11/X11ServerRecord.h"
 
@@ -148,6 +149,7 @@ status_t X11Server::_Init() {
 
     fAtoms.Intern(fDisplay);
     fDropTarget = std::make_unique<X11DropTarget>(fDisplay, fAtoms);
+    fKeyState = std::make_unique<X11KeyState>(fDisplay, fRoot);
 
     XSelectInput(fDisplay, fRoot, PropertyChangeMask | StructureNotifyMask);
 
@@ -403,18 +405,23 @@ void X11Server::UngrabPointer(int32 id) {
 void X11Server::GetKeyInfo(key_info* info) {
     if (info == NULL)
         return;
-    if (std::this_thread::get_id() == sServerThread.load()) {
-        _QueryKeys(info);
-        return;
-    }
     if (fLost) {
         DisplayServer::GetKeyInfo(info);
+        return;
+    }
+    // Once tracked, the keyboard is read without waking the server's thread.
+    if (_ReadKeyState(info))
+        return;
+    if (std::this_thread::get_id() == sServerThread.load()) {
+        _StartKeyState();
+        _QueryKeys(info);
         return;
     }
     auto answer = std::make_shared<std::promise<key_info>>();
     std::future<key_info> future = answer->get_future();
     _Enqueue(
         [this, answer] {
+            _StartKeyState();
             key_info queried;
             _QueryKeys(&queried);
             answer->set_value(queried);
@@ -425,6 +432,22 @@ void X11Server::GetKeyInfo(key_info* info) {
         return;
     }
     *info = future.get();
+}
+
+bool X11Server::TracksKeysPassively() const {
+    return fKeyState != NULL && fKeyState->IsActive();
+}
+
+void X11Server::_StartKeyState() {
+    // Programs that never ask for the keyboard never have X send its events.
+    if (fKeyStateTried || fLost)
+        return;
+    fKeyStateTried = true;
+    fKeyState->Start();
+}
+
+bool X11Server::_ReadKeyState(key_info* info) {
+    return fKeyState != NULL && fKeyState->Read(info);
 }
 
 void X11Server::_QueryKeys(key_info* info) {

@@ -28,6 +28,7 @@
 namespace BPrivate {
 
 class X11DropTarget;
+class X11KeyState;
 class X11Presenter;
 
 class X11Server : public DisplayServer {
@@ -42,6 +43,10 @@ public:
     virtual void GetKeyInfo(key_info* info);
     virtual status_t GrabPointer(int32 id);
     virtual void UngrabPointer(int32 id);
+
+    // Whether get_key_info() answers from the tracked keyboard state, without
+    // asking X; it starts doing so after its first call. Any thread.
+    bool TracksKeysPassively() const;
 
     // Whether a window manager that speaks EWMH runs on the display.
     bool HasWindowManager() const { return fWindowManager != 0; }
@@ -103,6 +108,8 @@ private:
     void _AdoptFrame(Record* record, BRect frame);
     void _SyncModifiers(unsigned int state, bigtime_t when);
     void _QueryKeys(key_info* info);
+    bool _ReadKeyState(key_info* info);
+    void _StartKeyState();
     XIC _InputContextFor(Record* record);
     bigtime_t _When(Time time);
     Record* _RecordFor(::Window window);
@@ -121,6 +128,8 @@ private:
     bool fInitFinished;
     unsigned int fNumLockMask;
     std::unique_ptr<X11DropTarget> fDropTarget;
+    // Created before the thread starts, never replaced.
+    std::unique_ptr<X11KeyState> fKeyState;
     std::atomic<bool> fLost;
 
     // Server thread only.
@@ -131,6 +140,7 @@ private:
     ::Window fAppliedGrab;
     bigtime_t fGrabRetryUntil;
     Time fLastEventTime;
+    bool fKeyStateTried = false;
     bigtime_t fTimeOffset;
     bool fHaveTimeOffset;
 

@@ -7,6 +7,7 @@
 #include "app/MessagePrivate.h"
 #include "interface/WindowPrivate.h"
 #include "server/x11/X11DropTarget.h"
+#include "server/x11/X11KeyState.h"
 #include "server/x11/X11Keyboard.h"
 #include "server/x11/X11ServerRecord.h"
 
@@ -54,6 +55,8 @@ void X11Server::_HandleEvents() {
 }
 
 void X11Server::_HandleEvent(XEvent& event) {
+    if (fKeyState->HandleEvent(event))
+        return;
     switch (event.type) {
     case ButtonPress:
     case ButtonRelease:

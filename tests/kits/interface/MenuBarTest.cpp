@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <string>
+
 using namespace menu_testing;
 using testing_support::wait_until;
 
@@ -72,6 +75,30 @@ public:
 private:
     BList* fItems;
     EventLog* fLog;
+};
+
+// Adds one item per step, many more than it is ever open long enough for.
+class FillingMenu : public BMenu {
+public:
+    explicit FillingMenu(const char* name) : BMenu(name) {}
+
+    bool AddDynamicItem(add_state state) override {
+        if (state == B_INITIAL_ADD) {
+            RemoveItems(0, CountItems(), true);
+            return true;
+        }
+        if (state != B_PROCESSING)
+            return false;
+        std::string label = "item " + std::to_string(CountItems());
+        AddItem(new BMenuItem(label.c_str(), NULL));
+        fAdded.fetch_add(1);
+        return CountItems() < 100000;
+    }
+
+    int32 Added() const { return fAdded.load(); }
+
+private:
+    std::atomic<int32> fAdded{0};
 };
 
 class MoveLogger : public BView {
@@ -238,6 +265,25 @@ TEST_F(MenuBarTest, RemovingTheBarWhileItTracksClosesItsMenus) {
     ASSERT_EQ(B_OK, HeadlessTestApi::MoveMouse(ScreenPoint(window, BPoint(50, 100))));
     WaitForIdle();
     EXPECT_GE(fLog.Count("moved"), 1u);
+}
+
+TEST_F(MenuBarTest, QuittingTheWindowWhileASubmenuFillsClosesEveryMenu) {
+    BMenuBar* bar = new BMenuBar(BRect(0, 0, 200, 19), "bar");
+    BMenu* menu = new LoggingMenu("Menu", &fLog);
+    FillingMenu* inner = new FillingMenu("Inner");
+    menu->AddItem(inner);
+    bar->AddItem(menu);
+    RecordingWindow* window = MakeWindow(bar);
+    ASSERT_EQ(B_OK, HeadlessTestApi::Click(center_of(item_screen_frame(bar, 0))));
+    WaitForIdle();
+    ASSERT_EQ(B_OK, HeadlessTestApi::MoveMouse(center_of(item_screen_frame(menu, 0))));
+    // The submenu's own thread is busy adding items when the bar's window goes.
+    ASSERT_TRUE(wait_until([&] { return inner->Added() >= 20; }));
+    ASSERT_TRUE(window->Lock());
+    window->Quit();
+    EXPECT_TRUE(wait_for_menu_count(0));
+    EXPECT_TRUE(wait_until([] { return HeadlessTestApi::Windows().empty(); }));
+    EXPECT_EQ(1u, fLog.Count("detached Menu"));
 }
 
 TEST_F(MenuBarTest, DeletingAnOpenSubmenuClosesItsWindow) {

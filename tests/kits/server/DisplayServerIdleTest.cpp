@@ -9,8 +9,11 @@
 
 #include <gtest/gtest.h>
 
+#include "Watchdog.h"
+
 #include <atomic>
 #include <chrono>
+#include <thread>
 
 using BPrivate::HeadlessTestApi;
 using testing_support::HeadlessAppTest;
@@ -99,4 +102,38 @@ TEST_F(DisplayServerIdleTest, EveryWaitDuringARallySeesItFinished) {
         ASSERT_EQ(B_OK, HeadlessTestApi::WaitForIdle(20000000));
         EXPECT_EQ(kHits, fHits.load()) << "round " << round;
     }
+}
+
+TEST_F(DisplayServerIdleTest, WaitForIdleGivesUpWhileAnotherThreadHoldsTheApplication) {
+    // The application is not running, and its constructor left this thread
+    // holding it: a wait from another thread must end at its deadline.
+    ASSERT_TRUE(be_app->IsLocked());
+    std::atomic<bool> finished{false};
+    std::atomic<status_t> result{B_OK};
+    std::thread waiter([&] {
+        result.store(HeadlessTestApi::WaitForIdle(200000));
+        finished.store(true);
+    });
+    bool returned =
+        testing_support::wait_until([&] { return finished.load(); }, std::chrono::seconds(5));
+    if (!returned) {
+        // Lets a waiter that hangs on the lock go, so the test fails instead.
+        be_app->Unlock();
+        waiter.join();
+        be_app->Lock();
+    } else {
+        waiter.join();
+    }
+    EXPECT_TRUE(returned);
+    EXPECT_EQ(B_TIMED_OUT, result.load());
+}
+
+TEST_F(DisplayServerIdleTest, WaitForIdleFromAnotherThreadSucceedsOnceTheApplicationIsReleased) {
+    ASSERT_TRUE(be_app->IsLocked());
+    be_app->Unlock();
+    status_t result = B_ERROR;
+    std::thread waiter([&] { result = HeadlessTestApi::WaitForIdle(5000000); });
+    waiter.join();
+    be_app->Lock();
+    EXPECT_EQ(B_OK, result);
 }
