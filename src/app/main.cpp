@@ -3,7 +3,13 @@
 
 #include <Screen.h>
 
+#include <malloc.h>
+
 int main(int argc, char** argv) {
+    // A handful of threads that rarely allocate at the same time: one malloc
+    // arena serves them all, without each thread's arena keeping its own pages.
+    mallopt(M_ARENA_MAX, 1);
+
     bool convert = false;
     bool setHotKey = false;
     if (!parse_command_line(argc, argv, &convert, &setHotKey)) {

@@ -18,6 +18,7 @@
 #include <Screen.h>
 #include <View.h>
 
+#include <malloc.h>
 #include <string.h>
 
 namespace {
@@ -29,6 +30,9 @@ const float kBackgroundTint = 1.555;
 const BPoint kParkingPlace(-2000, -2000);
 const bigtime_t kChoresInterval = 30000;
 const bigtime_t kItemCheckInterval = 2500000;
+// By then the layers are read and the bar drawn: what start-up allocated and
+// freed goes back to the system instead of staying in the process for good.
+const bigtime_t kSettleTime = 2000000;
 // A looper busy for longer (a launch alert in the application, a blinking
 // item in the bar) costs the chores that round only, never the whole thread.
 const bigtime_t kChoresLockTimeout = kChoresInterval;
@@ -478,6 +482,13 @@ void BarWindow::ChoreTask(BarWindow* window, thread_id windowThread, const BMess
     int32 workspaceCount = count_workspaces();
     bigtime_t lastTick = 0;
     int32 index = 0;
+    // The application sets its hot-key record before the bar shows and never
+    // changes it: a copy taken once spares every later round the application's
+    // lock, and the keyboard is not even asked when there is no hot key.
+    uint8 hotKey[kHotKeyLength];
+    bool hotKeyRead = false;
+    bool hasHotKey = false;
+    bigtime_t trimTime = system_time() + kSettleTime;
 
     while (BLooper::LooperForThread(windowThread) != NULL) {
         bigtime_t now = system_time();
@@ -504,22 +515,32 @@ void BarWindow::ChoreTask(BarWindow* window, thread_id windowThread, const BMess
             window->Unlock();
         }
 
-        key_info keys;
-        if (get_key_info(&keys) == B_OK && lock(application)) {
+        if (!hotKeyRead && lock(application)) {
             BLooper* looper = NULL;
             application.Target(&looper);
             Glimrow* glimrow = dynamic_cast<Glimrow*>(looper);
-            const uint8* hotKey = glimrow != NULL ? glimrow->HotKey() : NULL;
-            // Exactly the recorded keys: one more held key defeats it.
-            bool pressed =
-                hotKey != NULL && memcmp(hotKey, keys.key_states, sizeof(keys.key_states)) == 0;
+            const uint8* record = glimrow != NULL ? glimrow->HotKey() : NULL;
+            if (record != NULL) {
+                memcpy(hotKey, record, sizeof(hotKey));
+                hasHotKey = true;
+            }
+            hotKeyRead = true;
             if (looper != NULL)
                 looper->Unlock();
-            if (pressed && lock(target)) {
-                if (!window->IsHidden() && !window->IsActive())
-                    window->Activate(true);
-                window->Unlock();
-            }
+        }
+
+        key_info keys;
+        // Exactly the recorded keys: one more held key defeats it.
+        if (hasHotKey && get_key_info(&keys) == B_OK &&
+            memcmp(hotKey, keys.key_states, sizeof(keys.key_states)) == 0 && lock(target)) {
+            if (!window->IsHidden() && !window->IsActive())
+                window->Activate(true);
+            window->Unlock();
+        }
+
+        if (trimTime != 0 && now >= trimTime) {
+            malloc_trim(0);
+            trimTime = 0;
         }
 
         snooze(kChoresInterval);

@@ -28,6 +28,7 @@ namespace {
 const rgb_color kCanExpandColor = {0, 0, 135, 255};
 const rgb_color kCannotExpandColor = {100, 100, 155, 255};
 const rgb_color kLabelColor = {0, 0, 0, 255};
+const bigtime_t kManagerLockTimeout = 250000;
 
 int32 icon_size_setting() {
     return gr_settings != NULL && gr_settings->which == 32 ? 32 : 16;
@@ -63,11 +64,18 @@ bool LayerItem::IsAvailable() const {
     if (expanded == NULL && fLayer != NULL) {
         // The submenu learns its layer when it first opens; until then the
         // layer is looked up by the file's name among the owner's layers.
+        // This runs in a layer menu's window thread while it draws. The
+        // manager's thread may hold its own lock and wait for that very menu
+        // window (it is quitting, or removing the item): waiting without end
+        // would deadlock, so after a quarter of a second the item counts as available
+        // and the menu still draws.
         LayerManager* manager = dynamic_cast<LayerManager*>(fLayer->Looper());
-        if (manager != NULL && manager->Lock()) {
-            expanded = manager->FindLayer(RefName());
-            manager->Unlock();
-        }
+        if (manager == NULL)
+            return true;
+        if (manager->LockWithTimeout(kManagerLockTimeout) != B_OK)
+            return true;
+        expanded = manager->FindLayer(RefName());
+        manager->Unlock();
     }
     if (expanded == NULL)
         return true;

@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -162,6 +163,44 @@ bool BarDesktopSession::ProgramRunning() {
 
 unsigned long BarDesktopSession::ActiveWindow() {
     return strtoul(fDisplay.Output("xdotool getactivewindow 2>/dev/null").c_str(), NULL, 10);
+}
+
+std::vector<std::pair<unsigned long, WindowFrame>> BarDesktopSession::ShownPopups() {
+    // One shell for the whole look, and no Xlib call from this process: a menu
+    // that closes in between only drops out of the list.
+    std::string listed = fDisplay.Output(
+        "xwininfo -root -children 2>/dev/null | sed -n 's/^ *\\(0x[0-9a-f]*\\) .*/\\1/p' | "
+        "while read window; do DISPLAY=" +
+        fDisplay.Name() +
+        " xwininfo -id $window 2>/dev/null | awk -v id=$window '"
+        "/Absolute upper-left X/ { x = $NF } /Absolute upper-left Y/ { y = $NF } "
+        "/^ *Width:/ { w = $NF } /^ *Height:/ { h = $NF } /Map State:/ { m = $NF } "
+        "/Override Redirect State:/ { o = $NF } "
+        "END { if (m == \"IsViewable\" && o == \"yes\") print id, x, y, w, h }'; done");
+    std::vector<std::pair<unsigned long, WindowFrame>> popups;
+    size_t start = 0;
+    while (start < listed.size()) {
+        size_t end = listed.find('\n', start);
+        if (end == std::string::npos)
+            end = listed.size();
+        std::string line = listed.substr(start, end - start);
+        start = end + 1;
+        unsigned long window = 0;
+        WindowFrame frame;
+        if (sscanf(line.c_str(), "%lx %d %d %d %d", &window, &frame.x, &frame.y, &frame.width,
+                   &frame.height) != 5)
+            continue;
+        // Helper windows parked off the screen are no menus.
+        if (frame.x + frame.width <= 0 || frame.y + frame.height <= 0)
+            continue;
+        popups.emplace_back(window, frame);
+    }
+    return popups;
+}
+
+void BarDesktopSession::ClickAt(int x, int y, int button) {
+    fDisplay.Run("xdotool mousemove --sync " + std::to_string(x) + " " + std::to_string(y) +
+                 " click " + std::to_string(button));
 }
 
 } // namespace testing_support

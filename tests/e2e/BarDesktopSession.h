@@ -14,6 +14,7 @@
 #include <functional>
 #include <string>
 #include <sys/types.h>
+#include <utility>
 #include <vector>
 
 namespace testing_support {
@@ -57,6 +58,12 @@ public:
 
     // The window that has the input focus, as xdotool reports it; 0 for none.
     unsigned long ActiveWindow();
+
+    // The override-redirect windows (menus) shown on the screen now, each with
+    // its frame, as xwininfo reports them from outside the program.
+    std::vector<std::pair<unsigned long, WindowFrame>> ShownPopups();
+    // Moves the pointer to the screen point and clicks the button there.
+    void ClickAt(int x, int y, int button = 1);
 
     X11TestDisplay& Display() { return fDisplay; }
     RecordingApps& Apps() { return fApps; }
