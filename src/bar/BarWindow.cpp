@@ -211,16 +211,24 @@ void BarWindow::DispatchMessage(BMessage* message, BHandler* handler) {
 // #pragma mark - Life
 
 void BarWindow::Show() {
+    BLooper* looper = this;
     LayerManager::Show();
-    // Show() nests; one chores thread is enough.
-    if (fChoresThread >= 0)
+    // Once shown, the window runs on its own thread and may already have been
+    // closed and deleted: it is locked through a messenger, which fails for a
+    // window that is gone, before anything of it is touched.
+    BMessenger window(NULL, looper);
+    if (!window.LockTarget())
         return;
-    chores_start* start = new chores_start{this, Thread(), BMessenger(this), be_app_messenger};
-    fChoresThread = spawn_thread(Chores, "chores_slave", B_LOW_PRIORITY, start);
-    if (fChoresThread >= 0)
-        resume_thread(fChoresThread);
-    else
-        delete start;
+    // Show() nests; one chores thread is enough.
+    if (fChoresThread < 0) {
+        chores_start* start = new chores_start{this, Thread(), BMessenger(this), be_app_messenger};
+        fChoresThread = spawn_thread(Chores, "chores_slave", B_LOW_PRIORITY, start);
+        if (fChoresThread >= 0)
+            resume_thread(fChoresThread);
+        else
+            delete start;
+    }
+    Unlock();
 }
 
 void BarWindow::Quit() {

@@ -9,6 +9,7 @@
 #include <Directory.h>
 #include <Entry.h>
 #include <Message.h>
+#include <Messenger.h>
 #include <StorageDefs.h>
 
 #include <string.h>
@@ -64,8 +65,11 @@ void LayerManager::Quit() {
 }
 
 void LayerManager::Show() {
+    BLooper* looper = this;
     BWindow::Show();
-    if (!Lock())
+    // The window may close (and be deleted) on its own thread as soon as it is
+    // shown: the messenger's lock fails for a window that is gone.
+    if (!BMessenger(NULL, looper).LockTarget())
         return;
     if (!IsHidden())
         SetLayerEnabled(true);
