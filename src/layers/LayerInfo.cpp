@@ -6,6 +6,7 @@
 
 #include <Looper.h>
 #include <Message.h>
+#include <Messenger.h>
 
 #include <stdio.h>
 #include <string.h>
@@ -196,7 +197,11 @@ void LayerInfo::_DeleteItems() {
 }
 
 void LayerInfo::_PostToLoader(BMessage* message) {
-    // Without a loader (a manager used on its own) there is nobody to ask.
-    if (gr_slave != NULL)
-        gr_slave->PostMessage(message);
+    // Without a loader (a manager used on its own) there is nobody to ask. While
+    // the application quits, the loader may already be gone: the messenger finds
+    // that out without touching it.
+    if (gr_slave != NULL) {
+        const BLooper* loader = gr_slave;
+        BMessenger(NULL, loader).SendMessage(message);
+    }
 }
