@@ -6,6 +6,7 @@
 #define GLIMROW_FILE_MENUS_TEST_SUPPORT_H
 
 #include "HeadlessAppTest.h"
+#include "MenuTestSupport.h"
 #include "TestHome.h"
 #include "Watchdog.h"
 #include "interface/MenuPrivate.h"
@@ -30,6 +31,13 @@ namespace file_menus_testing {
 
 using BPrivate::HeadlessTestApi;
 using BPrivate::WindowListing;
+// The menu helpers that every menu test shares.
+using menu_testing::center_of;
+using menu_testing::item_screen_frame;
+using menu_testing::menu_windows;
+using menu_testing::MenuLock;
+using menu_testing::same_color;
+using menu_testing::wait_for_menu_count;
 
 // Keeps every message of the program's own codes ("gr" in the high bits) that
 // reaches the window.
@@ -63,45 +71,6 @@ inline entry_ref ref_for(const std::string& path) {
     return ref;
 }
 
-inline std::vector<WindowListing> menu_windows() {
-    std::vector<WindowListing> windows;
-    for (const WindowListing& window : HeadlessTestApi::Windows()) {
-        if (window.feel == BPrivate::kMenuWindowFeel && window.visible)
-            windows.push_back(window);
-    }
-    return windows;
-}
-
-inline bool wait_for_menu_count(size_t count) {
-    return testing_support::wait_until([&] { return menu_windows().size() == count; });
-}
-
-// Locks the window a menu is shown in: a bar's own window, or the menu window
-// that holds a submenu.
-class MenuLock {
-public:
-    explicit MenuLock(BMenu* menu) : fWindow(NULL) {
-        BWindow* window = dynamic_cast<BMenuBar*>(menu) != NULL
-                              ? menu->Window()
-                              : (BWindow*)BPrivate::MenuPrivate(menu).ClaimedBy();
-        if (window == NULL || !window->Lock())
-            return;
-        if (menu->Window() != window) {
-            window->Unlock();
-            return;
-        }
-        fWindow = window;
-    }
-    ~MenuLock() {
-        if (fWindow != NULL)
-            fWindow->Unlock();
-    }
-    bool IsLocked() const { return fWindow != NULL; }
-
-private:
-    BWindow* fWindow;
-};
-
 // What a menu shows, read with its window locked: one line per item, "---" for
 // a separator, "(disabled)" after the label of a disabled item.
 inline std::vector<std::string> menu_labels(BMenu* menu) {
@@ -132,17 +101,6 @@ inline bool wait_until_shown(BMenu* menu) {
     });
 }
 
-inline BRect item_screen_frame(BMenu* menu, int32 index) {
-    MenuLock lock(menu);
-    if (!lock.IsLocked() || menu->ItemAt(index) == NULL)
-        return BRect();
-    return menu->ConvertToScreen(menu->ItemAt(index)->Frame());
-}
-
-inline BPoint center_of(BRect rect) {
-    return BPoint(floorf((rect.left + rect.right) / 2), floorf((rect.top + rect.bottom) / 2));
-}
-
 inline int32 luminance(rgb_color color) {
     return (int32)color.red * 3 + (int32)color.green * 6 + (int32)color.blue;
 }
@@ -159,10 +117,6 @@ inline rgb_color darkest_in(const BPrivate::Capture& capture, BRect rect) {
         }
     }
     return darkest;
-}
-
-inline bool same_color(rgb_color a, rgb_color b) {
-    return a.red == b.red && a.green == b.green && a.blue == b.blue;
 }
 
 // The fixture: a private home and an application on the headless display. Menu
