@@ -143,6 +143,29 @@ status_t snooze_etc(bigtime_t amount, int timeBase, uint32 flags);
 // Sleeps until system_time() reaches `time`.
 status_t snooze_until(bigtime_t time, int timeBase);
 
+// Semaphores.
+//
+// Ids are positive and never reused within the process. A semaphore's count drops
+// below zero by what the threads waiting on it still want; waiters are served in the
+// order they arrived. Deleting a semaphore wakes its waiters, whose acquire then
+// returns B_BAD_SEM_ID.
+
+// The name is copied (the first B_OS_NAME_LENGTH - 1 bytes) and may be NULL.
+// Returns the new id, or B_BAD_VALUE (negative count) / B_NO_MORE_SEMS.
+sem_id create_sem(int32 count, const char* name);
+status_t delete_sem(sem_id sem);
+status_t acquire_sem(sem_id sem);
+// flags: B_RELATIVE_TIMEOUT (a timeout of 0 or less gives B_WOULD_BLOCK at once when
+// the count is short), B_ABSOLUTE_TIMEOUT (against system_time()), neither for no
+// timeout. A timeout that expires gives B_TIMED_OUT. B_CAN_INTERRUPT is accepted, but
+// signals never interrupt the wait.
+status_t acquire_sem_etc(sem_id sem, int32 count, uint32 flags, bigtime_t timeout);
+status_t release_sem(sem_id sem);
+// B_DO_NOT_RESCHEDULE is accepted and changes nothing. A release that would take the
+// count past INT32_MAX gives B_BAD_VALUE.
+status_t release_sem_etc(sem_id sem, int32 count, uint32 flags);
+status_t get_sem_count(sem_id sem, int32* threadCount);
+
 #ifdef __cplusplus
 }
 #endif
