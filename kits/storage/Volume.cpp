@@ -10,6 +10,7 @@
 #include <dirent.h>
 #include <errno.h>
 #include <limits.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -18,11 +19,10 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <fstream>
 #include <memory>
 #include <new>
-#include <sstream>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -52,13 +52,86 @@ std::string unescape_octal(const std::string& text) {
     return result;
 }
 
-bool has_option(const std::string& options, const char* option) {
-    std::stringstream stream(options);
-    std::string item;
-    while (std::getline(stream, item, ','))
-        if (item == option)
+bool has_option(std::string_view options, std::string_view option) {
+    while (!options.empty()) {
+        size_t comma = options.find(',');
+        if (options.substr(0, comma) == option)
             return true;
+        if (comma == std::string_view::npos)
+            break;
+        options.remove_prefix(comma + 1);
+    }
     return false;
+}
+
+// The blanks of the "C" locale; the locale the user picked must not change how a
+// kernel file splits.
+bool is_blank(char character) {
+    return character == ' ' || character == '\t' || character == '\n' || character == '\v' ||
+           character == '\f' || character == '\r';
+}
+
+// The next blank-separated word of line, which loses the word; empty at the end.
+std::string_view next_word(std::string_view* line) {
+    size_t start = 0;
+    while (start < line->size() && is_blank((*line)[start]))
+        start++;
+    size_t end = start;
+    while (end < line->size() && !is_blank((*line)[end]))
+        end++;
+    std::string_view word = line->substr(start, end - start);
+    line->remove_prefix(end);
+    return word;
+}
+
+struct FileCloser {
+    void operator()(FILE* file) const { fclose(file); }
+};
+
+using FilePointer = std::unique_ptr<FILE, FileCloser>;
+
+// getline(3) grows its buffer by realloc(), so the owner frees whatever it holds last.
+struct LineBuffer {
+    char* bytes = NULL;
+    size_t capacity = 0;
+    ~LineBuffer() { free(bytes); }
+};
+
+// Hands every line of file, without its newline, to handle; lines of any length.
+template <typename Handler>
+void for_each_line(FILE* file, Handler handle) {
+    LineBuffer buffer;
+    ssize_t length;
+    while ((length = getline(&buffer.bytes, &buffer.capacity, file)) >= 0) {
+        std::string_view line(buffer.bytes, (size_t)length);
+        if (!line.empty() && line.back() == '\n')
+            line.remove_suffix(1);
+        handle(line);
+    }
+}
+
+// One line of mountinfo: six words, optional words up to "-", then type, source and
+// super block options. False when the six leading words are not all there.
+bool parse_mount_line(std::string_view line, std::string_view* numbers, Mount* mount) {
+    std::string_view words[6];
+    for (std::string_view& word : words) {
+        word = next_word(&line);
+        if (word.empty())
+            return false;
+    }
+    std::string_view word;
+    do
+        word = next_word(&line);
+    while (!word.empty() && word != "-");
+    std::string_view type = next_word(&line);
+    std::string_view source = next_word(&line);
+    std::string_view superOptions = next_word(&line);
+    *numbers = words[2];
+    mount->mountPoint = unescape_octal(std::string(words[4]));
+    mount->type = std::string(type);
+    mount->source = unescape_octal(std::string(source));
+    mount->readOnly = has_option(words[5], "ro") || has_option(superOptions, "ro");
+    return true;
 }
 
 bool same_device(const std::string& path, dev_t device) {
@@ -69,28 +142,18 @@ bool same_device(const std::string& path, dev_t device) {
 // The topmost mount of device. mountinfo's major:minor is not always the device
 // stat() reports (btrfs subvolumes), so a miss falls back to stat() of each mount point.
 bool find_mount(dev_t device, Mount* found) {
-    std::ifstream file("/proc/self/mountinfo");
-    if (!file)
+    FilePointer file(fopen("/proc/self/mountinfo", "re"));
+    if (file == NULL)
         return false;
     std::string wanted = std::to_string(major(device)) + ":" + std::to_string(minor(device));
     bool matched = false;
     Mount fallback;
     bool fallbackMatched = false;
-    std::string line;
-    while (std::getline(file, line)) {
-        std::istringstream fields(line);
-        std::string id, parent, numbers, root, mountPoint, options;
-        if (!(fields >> id >> parent >> numbers >> root >> mountPoint >> options))
-            continue;
-        std::string field;
-        while (fields >> field && field != "-") {
-        }
+    for_each_line(file.get(), [&](std::string_view line) {
+        std::string_view numbers;
         Mount mount;
-        std::string superOptions;
-        fields >> mount.type >> mount.source >> superOptions;
-        mount.mountPoint = unescape_octal(mountPoint);
-        mount.source = unescape_octal(mount.source);
-        mount.readOnly = has_option(options, "ro") || has_option(superOptions, "ro");
+        if (!parse_mount_line(line, &numbers, &mount))
+            return;
         if (numbers == wanted) {
             *found = mount;
             matched = true;
@@ -98,10 +161,39 @@ bool find_mount(dev_t device, Mount* found) {
             fallback = mount;
             fallbackMatched = true;
         }
-    }
+    });
     if (!matched && fallbackMatched)
         *found = fallback;
     return matched || fallbackMatched;
+}
+
+// A whole decimal int at the start of file after blanks, as sysfs writes its flags;
+// false when there is none or it does not fit.
+bool read_leading_int(FILE* file, int* value) {
+    int character;
+    do
+        character = getc(file);
+    while (character != EOF && is_blank((char)character));
+    bool negative = character == '-';
+    if (character == '-' || character == '+')
+        character = getc(file);
+    // INT_MIN reaches one further than INT_MAX; anything beyond does not fit an int.
+    const unsigned long long limit = (unsigned long long)INT_MAX + (negative ? 1 : 0);
+    unsigned long long magnitude = 0;
+    bool digits = false;
+    bool overflow = false;
+    while (character >= '0' && character <= '9') {
+        digits = true;
+        if (!overflow) {
+            magnitude = magnitude * 10 + (unsigned long long)(character - '0');
+            overflow = magnitude > limit;
+        }
+        character = getc(file);
+    }
+    if (!digits || overflow)
+        return false;
+    *value = negative ? (int)(-(long long)magnitude) : (int)magnitude;
+    return true;
 }
 
 const char* const kMemoryFileSystems[] = {
@@ -276,9 +368,9 @@ bool BVolume::IsRemovable() const {
         return false;
     std::string folder = real.get();
     for (int level = 0; level < 2; level++) {
-        std::ifstream flag(folder + "/removable");
+        FilePointer flag(fopen((folder + "/removable").c_str(), "re"));
         int value = 0;
-        if (flag >> value)
+        if (flag != NULL && read_leading_int(flag.get(), &value))
             return value != 0;
         folder = folder.substr(0, folder.rfind('/'));
     }

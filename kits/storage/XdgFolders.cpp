@@ -3,11 +3,27 @@
 #include "StorageSupport.h"
 
 #include <pwd.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
-#include <fstream>
+#include <memory>
+
+namespace {
+
+struct FileCloser {
+    void operator()(FILE* file) const { fclose(file); }
+};
+
+// getline(3) grows its buffer by realloc(), so the owner frees whatever it holds last.
+struct LineBuffer {
+    char* bytes = NULL;
+    size_t capacity = 0;
+    ~LineBuffer() { free(bytes); }
+};
+
+} // namespace
 
 namespace BPrivate {
 
@@ -35,9 +51,14 @@ std::string xdg_user_folder(const char* key, const char* fallbackBelowHome) {
     std::string home = home_folder();
     std::string wanted = std::string("XDG_") + key + "_DIR=";
     std::string result;
-    std::ifstream file(xdg_home_folder("XDG_CONFIG_HOME", ".config") + "/user-dirs.dirs");
-    std::string line;
-    while (std::getline(file, line)) {
+    std::string path = xdg_home_folder("XDG_CONFIG_HOME", ".config") + "/user-dirs.dirs";
+    std::unique_ptr<FILE, FileCloser> file(fopen(path.c_str(), "re"));
+    LineBuffer buffer;
+    ssize_t length;
+    while (file != NULL && (length = getline(&buffer.bytes, &buffer.capacity, file.get())) >= 0) {
+        std::string line(buffer.bytes, (size_t)length);
+        if (!line.empty() && line.back() == '\n')
+            line.pop_back();
         size_t start = line.find_first_not_of(" \t");
         if (start == std::string::npos || line.compare(start, wanted.size(), wanted) != 0)
             continue;
