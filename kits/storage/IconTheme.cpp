@@ -5,10 +5,14 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
+#include <string_view>
+#include <unordered_map>
 
 namespace BPrivate {
 
@@ -60,18 +64,24 @@ struct ThemeDirectory {
 
 struct Theme {
     std::vector<std::string> parents;
-    std::vector<ThemeDirectory> directories;
     std::vector<std::string> roots; // every base/<theme> folder that exists
+    // The folders are read from the index only when the theme is first searched:
+    // a theme late in the chain (hicolor's index is large) often never is.
+    std::string indexPath;
+    bool directoriesRead = false;
+    std::vector<ThemeDirectory> directories;
 };
 
-typedef std::map<std::string, std::map<std::string, std::string>> IniGroups;
-
-std::string trimmed(const std::string& text) {
+std::string_view trimmed_view(std::string_view text) {
     size_t start = text.find_first_not_of(" \t\r");
-    if (start == std::string::npos)
-        return std::string();
+    if (start == std::string_view::npos)
+        return std::string_view();
     size_t end = text.find_last_not_of(" \t\r");
     return text.substr(start, end - start + 1);
+}
+
+std::string trimmed(const std::string& text) {
+    return std::string(trimmed_view(text));
 }
 
 bool read_small_file(const std::string& path, std::string* text) {
@@ -92,29 +102,35 @@ bool read_small_file(const std::string& path, std::string* text) {
     return true;
 }
 
-IniGroups parse_ini(const std::string& text) {
-    IniGroups groups;
-    std::string group;
-    size_t start = 0;
-    while (start < text.size()) {
-        size_t end = text.find('\n', start);
-        if (end == std::string::npos)
-            end = text.size();
-        std::string line = trimmed(text.substr(start, end - start));
-        start = end + 1;
+// Calls visit(group, key, value) for every "key=value" line of an ini text,
+// trimmed and without copying: the index of a large theme runs to thousands of
+// lines, and it is read before the first icon of a program can show.
+template <typename Visit>
+void for_each_ini_entry(std::string_view text, Visit visit) {
+    std::string_view group;
+    while (!text.empty()) {
+        size_t end = text.find('\n');
+        std::string_view line = trimmed_view(text.substr(0, end));
+        text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
         if (line.empty() || line[0] == '#')
             continue;
         if (line[0] == '[') {
             size_t close = line.find(']');
-            group = close == std::string::npos ? std::string() : line.substr(1, close - 1);
+            group =
+                close == std::string_view::npos ? std::string_view() : line.substr(1, close - 1);
             continue;
         }
         size_t equals = line.find('=');
-        if (equals == std::string::npos || group.empty())
+        if (equals == std::string_view::npos || group.empty())
             continue;
-        groups[group].emplace(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+        visit(group, trimmed_view(line.substr(0, equals)), trimmed_view(line.substr(equals + 1)));
     }
-    return groups;
+}
+
+// The first value of a key wins, as in every desktop file reader.
+void keep_first(std::optional<std::string_view>* slot, std::string_view value) {
+    if (!slot->has_value())
+        *slot = value;
 }
 
 std::vector<std::string> split(const std::string& text, char separator) {
@@ -132,15 +148,15 @@ std::vector<std::string> split(const std::string& text, char separator) {
     return items;
 }
 
-int32 number(const std::map<std::string, std::string>& group, const char* key, int32 fallback) {
-    auto found = group.find(key);
-    if (found == group.end())
+int32 number(const std::optional<std::string_view>& text, int32 fallback) {
+    if (!text.has_value())
         return fallback;
+    std::string value(*text);
     char* end = nullptr;
-    long value = strtol(found->second.c_str(), &end, 10);
-    if (end == found->second.c_str() || value < 0 || value > 65536)
+    long parsed = strtol(value.c_str(), &end, 10);
+    if (end == value.c_str() || parsed < 0 || parsed > 65536)
         return fallback;
-    return int32(value);
+    return int32(parsed);
 }
 
 bool is_directory(const std::string& path) {
@@ -187,10 +203,14 @@ public:
         std::string settings;
         if (!configHome.empty() &&
             read_small_file(configHome + "/gtk-3.0/settings.ini", &settings)) {
-            IniGroups groups = parse_ini(settings);
-            auto name = groups["Settings"].find("gtk-icon-theme-name");
-            if (name != groups["Settings"].end() && !name->second.empty())
-                wanted.push_back(name->second);
+            std::optional<std::string_view> name;
+            for_each_ini_entry(settings, [&name](std::string_view group, std::string_view key,
+                                                 std::string_view value) {
+                if (group == "Settings" && key == "gtk-icon-theme-name")
+                    keep_first(&name, value);
+            });
+            if (name.has_value() && !name->empty())
+                wanted.emplace_back(*name);
         }
         wanted.push_back("Adwaita");
         std::set<std::string> visited;
@@ -211,7 +231,7 @@ public:
 
         std::string found;
         for (const std::string& themeName : fChain) {
-            const Theme* theme = _Load(themeName);
+            const Theme* theme = _LoadDirectories(themeName);
             for (size_t i = 0; theme != nullptr && found.empty() && i < names.size(); i++)
                 found = _LookupInTheme(*theme, names[i], size);
             if (!found.empty())
@@ -235,7 +255,7 @@ private:
             _AddToChain(parent, visited, depth + 1);
     }
 
-    const Theme* _Load(const std::string& name) {
+    Theme* _Load(const std::string& name) {
         auto loaded = fThemes.find(name);
         if (loaded != fThemes.end())
             return loaded->second.get();
@@ -252,43 +272,82 @@ private:
                 if (read_small_file(root + "/index.theme", &text)) {
                     theme.reset(new Theme);
                     theme->roots = roots;
-                    _ParseIndex(text, theme.get());
+                    theme->parents = _ReadParents(text);
+                    theme->indexPath = root + "/index.theme";
                     break;
                 }
             }
         }
-        const Theme* result = theme.get();
+        Theme* result = theme.get();
         fThemes.emplace(name, std::move(theme));
         return result;
     }
 
-    static void _ParseIndex(const std::string& text, Theme* theme) {
-        IniGroups groups = parse_ini(text);
-        const auto& header = groups["Icon Theme"];
-        auto inherits = header.find("Inherits");
-        if (inherits != header.end())
-            theme->parents = split(inherits->second, ',');
-        auto directories = header.find("Directories");
+    const Theme* _LoadDirectories(const std::string& name) {
+        Theme* theme = _Load(name);
+        if (theme != nullptr && !theme->directoriesRead) {
+            theme->directoriesRead = true;
+            std::string text;
+            if (read_small_file(theme->indexPath, &text))
+                _ReadDirectories(text, theme);
+        }
+        return theme;
+    }
+
+    static std::vector<std::string> _ReadParents(const std::string& text) {
+        std::optional<std::string_view> inherits;
+        for_each_ini_entry(text, [&inherits](std::string_view group, std::string_view key,
+                                             std::string_view value) {
+            if (group == "Icon Theme" && key == "Inherits")
+                keep_first(&inherits, value);
+        });
+        return inherits.has_value() ? split(std::string(*inherits), ',')
+                                    : std::vector<std::string>();
+    }
+
+    static void _ReadDirectories(const std::string& text, Theme* theme) {
+        enum { kSize, kScale, kMinSize, kMaxSize, kThreshold, kType, kKeyCount };
+        static const char* const kKeys[kKeyCount] = {"Size",    "Scale",     "MinSize",
+                                                     "MaxSize", "Threshold", "Type"};
+        typedef std::array<std::optional<std::string_view>, kKeyCount> DirectoryKeys;
+
+        std::optional<std::string_view> directoryList;
+        std::unordered_map<std::string_view, DirectoryKeys> groups;
+        for_each_ini_entry(
+            text, [&](std::string_view group, std::string_view key, std::string_view value) {
+                if (group == "Icon Theme") {
+                    if (key == "Directories")
+                        keep_first(&directoryList, value);
+                    return;
+                }
+                for (int32 i = 0; i < kKeyCount; i++) {
+                    if (key == kKeys[i]) {
+                        keep_first(&groups[group][i], value);
+                        return;
+                    }
+                }
+            });
+
         std::vector<std::string> names;
-        if (directories != header.end())
-            names = split(directories->second, ',');
+        if (directoryList.has_value())
+            names = split(std::string(*directoryList), ',');
         for (const std::string& name : names) {
             auto group = groups.find(name);
             if (group == groups.end())
                 continue;
+            const DirectoryKeys& keys = group->second;
             ThemeDirectory directory;
             directory.name = name;
-            directory.size = number(group->second, "Size", 0);
+            directory.size = number(keys[kSize], 0);
             if (directory.size <= 0)
                 continue;
-            directory.scale = number(group->second, "Scale", 1);
-            directory.minSize = number(group->second, "MinSize", directory.size);
-            directory.maxSize = number(group->second, "MaxSize", directory.size);
-            directory.threshold = number(group->second, "Threshold", 2);
-            auto type = group->second.find("Type");
-            if (type != group->second.end() && type->second == "Fixed")
+            directory.scale = number(keys[kScale], 1);
+            directory.minSize = number(keys[kMinSize], directory.size);
+            directory.maxSize = number(keys[kMaxSize], directory.size);
+            directory.threshold = number(keys[kThreshold], 2);
+            if (keys[kType] == "Fixed")
                 directory.type = kFixed;
-            else if (type != group->second.end() && type->second == "Scalable")
+            else if (keys[kType] == "Scalable")
                 directory.type = kScalable;
             theme->directories.push_back(directory);
         }
