@@ -3,6 +3,7 @@
 // fontconfig, so that text looks and measures the same on every machine.
 #include <Font.h>
 
+#include "TextEngine.h"
 #include "TextLayout.h"
 
 #include <String.h>
@@ -76,7 +77,9 @@ status_t BFont::SetFamilyAndStyle(const font_family family, const font_style sty
         return B_BAD_VALUE;
 
     font_style chosen;
-    if (style != NULL) {
+    if (style != NULL && BPrivate::is_system_face(familyName, style)) {
+        snprintf(chosen, sizeof(chosen), "%s", style);
+    } else if (style != NULL) {
         if (!BPrivate::TextLayout::HasFamilyAndStyle(familyName, style))
             return B_NAME_NOT_FOUND;
         snprintf(chosen, sizeof(chosen), "%s", style);

@@ -74,6 +74,17 @@ std::string font_key(const BFont& font) {
     return key;
 }
 
+bool is_system_face(const char* family, const char* style) {
+    for (const BFont* font : {be_plain_font, be_bold_font, be_fixed_font}) {
+        font_family systemFamily;
+        font_style systemStyle;
+        font->GetFamilyAndStyle(&systemFamily, &systemStyle);
+        if (strcmp(family, systemFamily) == 0 && strcmp(style, systemStyle) == 0)
+            return true;
+    }
+    return false;
+}
+
 TextEngine& TextEngine::Default() {
     static TextEngine* sEngine = new TextEngine;
     return *sEngine;
@@ -172,7 +183,13 @@ const FontEntry& TextEngine::EntryFor(const BFont& font) {
     font.GetFamilyAndStyle(&familyName, &styleName);
 
     PangoFontDescription* description = NULL;
-    if (const FamilyInfo* family = FindFamily(familyName)) {
+    if (is_system_face(familyName, styleName)) {
+        // Fontconfig picks the very face that the font list would name.
+        description = pango_font_description_new();
+        pango_font_description_set_family(description, familyName);
+        if (style_name_is_bold(styleName))
+            pango_font_description_set_weight(description, PANGO_WEIGHT_BOLD);
+    } else if (const FamilyInfo* family = FindFamily(familyName)) {
         for (const StyleInfo& style : family->styles) {
             if (style.name == styleName) {
                 description = pango_font_description_copy(style.description);

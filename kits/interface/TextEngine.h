@@ -47,6 +47,12 @@ void copy_name(char* target, const char* name, size_t size);
 // A key naming everything about a font that changes how text looks or measures.
 std::string font_key(const BFont& font);
 
+// Whether a family and style name one of the system fonts. Those are the kit's
+// own defaults and always usable (fontconfig substitutes the closest face should
+// one be missing), so neither choosing nor loading one needs the list of
+// installed fonts, which takes milliseconds to read before a first window shows.
+bool is_system_face(const char* family, const char* style);
+
 class TextEngine {
 public:
     // Made on first use and kept for the life of the process.
