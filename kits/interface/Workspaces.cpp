@@ -42,6 +42,18 @@ status_t get_key_info(key_info* info) {
     return B_OK;
 }
 
+status_t watch_keys_and_workspaces(sem_id semaphore) {
+    DisplayServer* server = DisplayServer::Default();
+    if (server == NULL)
+        return B_NO_INIT;
+    return server->WatchKeysAndWorkspaces(semaphore);
+}
+
+void stop_watching_keys_and_workspaces(sem_id semaphore) {
+    if (DisplayServer* server = DisplayServer::Default())
+        server->StopWatchingKeysAndWorkspaces(semaphore);
+}
+
 uint32 modifiers() {
     DisplayServer* server = DisplayServer::Default();
     return server != NULL ? server->Modifiers() : 0;

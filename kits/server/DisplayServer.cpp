@@ -346,6 +346,7 @@ void DisplayServer::SetWorkspaceCount(int32 count) {
             _SwitchWorkspace(count - 1, outbox);
         _WorkspaceChanged();
     }
+    _NotifyWatchers();
     _PostLater(std::move(outbox));
 }
 

@@ -169,6 +169,12 @@ public:
     uint32 Modifiers();
     // The X11 backend asks the X server, which knows keys held in other programs.
     virtual void GetKeyInfo(key_info* info);
+
+    // Semaphores released once whenever the key states or the workspace count
+    // change; see watch_keys_and_workspaces(). Any thread.
+    status_t WatchKeysAndWorkspaces(sem_id semaphore);
+    void StopWatchingKeysAndWorkspaces(sem_id semaphore);
+
     bigtime_t ClickSpeed() const { return kClickSpeed; }
 
     // Every pointer event goes to the grabbing window until it lets go (menus).
@@ -259,6 +265,12 @@ protected:
     // current, no keys or buttons down, the pointer at the origin.
     void _ResetState();
 
+    // Whether every change of the key states reaches the watchers. Any thread.
+    virtual bool _SeesKeyChanges() { return true; }
+    // Releases every watcher once; forgets the ones whose semaphore is gone.
+    // Any thread, with or without fLock.
+    void _NotifyWatchers();
+
     // #pragma mark - Backend hooks, called with fLock held; they must not block
 
     virtual void _WindowChanged(ServerWindow* window) {}
@@ -336,6 +348,9 @@ private:
     std::atomic<uint64> fActivity;
     uint64 fNextTicket;
     BMessenger fWatchedApplication;
+
+    std::mutex fWatcherLock;
+    std::vector<sem_id> fWatchers;
 
     // Pointer and keyboard
     BPoint fPointer;

@@ -95,6 +95,33 @@ void DisplayServer::GetKeyInfo(key_info* info) {
     memcpy(info->key_states, fKeyStates, sizeof(fKeyStates));
 }
 
+status_t DisplayServer::WatchKeysAndWorkspaces(sem_id semaphore) {
+    int32 count;
+    if (get_sem_count(semaphore, &count) != B_OK)
+        return B_BAD_SEM_ID;
+    {
+        std::lock_guard<std::mutex> lock(fWatcherLock);
+        if (std::find(fWatchers.begin(), fWatchers.end(), semaphore) == fWatchers.end())
+            fWatchers.push_back(semaphore);
+    }
+    return _SeesKeyChanges() ? B_OK : B_NOT_SUPPORTED;
+}
+
+void DisplayServer::StopWatchingKeysAndWorkspaces(sem_id semaphore) {
+    std::lock_guard<std::mutex> lock(fWatcherLock);
+    fWatchers.erase(std::remove(fWatchers.begin(), fWatchers.end(), semaphore), fWatchers.end());
+}
+
+void DisplayServer::_NotifyWatchers() {
+    std::lock_guard<std::mutex> lock(fWatcherLock);
+    fWatchers.erase(std::remove_if(fWatchers.begin(), fWatchers.end(),
+                                   [](sem_id semaphore) {
+                                       return release_sem_etc(semaphore, 1, B_DO_NOT_RESCHEDULE) ==
+                                              B_BAD_SEM_ID;
+                                   }),
+                    fWatchers.end());
+}
+
 status_t DisplayServer::GrabPointer(int32 id) {
     std::lock_guard<std::mutex> lock(fLock);
     if (_Find(id) == NULL)
@@ -146,6 +173,7 @@ void DisplayServer::_ResetState() {
     fClickCount = 0;
     fDragMessage.reset();
     fDragReplyTo = BMessenger();
+    _NotifyWatchers();
 }
 
 bool DisplayServer::IsDragging() {
@@ -342,10 +370,13 @@ void DisplayServer::_SetKeyState(int32 key, bool down) {
     if (key <= 0 || key >= 128)
         return;
     uint8 mask = 0x80 >> (key & 7);
+    uint8 before = fKeyStates[key >> 3];
     if (down)
         fKeyStates[key >> 3] |= mask;
     else
         fKeyStates[key >> 3] &= ~mask;
+    if (fKeyStates[key >> 3] != before)
+        _NotifyWatchers();
 }
 
 void DisplayServer::_HandleKey(bool down, int32 key, const char* bytes, int32 rawChar,

@@ -4,6 +4,7 @@
 #define _INTERFACE_DEFS_H
 
 #include <GraphicsDefs.h>
+#include <OS.h>
 #include <SupportDefs.h>
 
 class BPoint;
@@ -230,6 +231,16 @@ int32 current_workspace();
 void activate_workspace(int32 workspace);
 
 status_t get_key_info(key_info* info);
+// Linux addition, for threads that would otherwise poll get_key_info() and
+// count_workspaces(): the display server releases the semaphore once each time
+// the keys held down or the number of workspaces change, until it is asked to
+// stop or the semaphore is deleted. Calling it again for the same semaphore
+// changes nothing, and is how to use it: call it before each wait. It answers
+// B_NOT_SUPPORTED once the server knows it cannot see every key change (an X
+// server without XInput 2; it finds out shortly after the first call, and
+// releases the semaphore then), and the caller has to poll while it does.
+status_t watch_keys_and_workspaces(sem_id semaphore);
+void stop_watching_keys_and_workspaces(sem_id semaphore);
 uint32 modifiers();
 status_t get_mouse(BPoint* position, uint32* buttons);
 status_t get_click_speed(bigtime_t* speed);

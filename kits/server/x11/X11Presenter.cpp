@@ -8,9 +8,15 @@
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
+#include <algorithm>
+
 namespace BPrivate {
 
 namespace {
+
+// Windows up to this many pixels (a 256 x 256 square's worth) are sent
+// without an image of their own.
+const int64 kLargestDirectPut = 256 * 256;
 
 // Attaching a segment fails with an X error (BadAccess) on a remote server;
 // the trap turns that into an answer instead of a message.
@@ -133,6 +139,33 @@ uint8* X11Presenter::Bits() const {
 
 int32 X11Presenter::BytesPerRow() const {
     return fPrivate->image != NULL ? fPrivate->image->bytes_per_line : 0;
+}
+
+bool X11Presenter::WantsImage(int32 width, int32 height) {
+    return (int64)width * height > kLargestDirectPut;
+}
+
+void X11Presenter::PutFrom(Drawable drawable, GC context, const uint8* pixels, int32 bytesPerRow,
+                           int32 width, int32 height, clipping_rect rect) {
+    if (fPrivate->image != NULL)
+        _Release();
+    if (pixels == NULL || width <= 0 || height <= 0 || bytesPerRow < width * 4)
+        return;
+    rect.left = std::max<int32>(rect.left, 0);
+    rect.top = std::max<int32>(rect.top, 0);
+    rect.right = std::min<int32>(rect.right, width - 1);
+    rect.bottom = std::min<int32>(rect.bottom, height - 1);
+    if (rect.left > rect.right || rect.top > rect.bottom)
+        return;
+    // Xlib sends the pixels before XPutImage returns; it never keeps them.
+    XImage* image = XCreateImage(fDisplay, fVisual, fDepth, ZPixmap, 0, (char*)pixels, width,
+                                 height, 32, bytesPerRow);
+    if (image == NULL)
+        return;
+    XPutImage(fDisplay, drawable, context, image, rect.left, rect.top, rect.left, rect.top,
+              rect.right - rect.left + 1, rect.bottom - rect.top + 1);
+    image->data = NULL;
+    XDestroyImage(image);
 }
 
 void X11Presenter::Put(Drawable drawable, GC context, int32 x, int32 y, int32 width, int32 height) {

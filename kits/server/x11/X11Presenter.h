@@ -1,9 +1,14 @@
 // The pixels of one window on its way to the X server: an image of the window's
 // size in shared memory (MIT-SHM) when the server is on this machine, else an
-// ordinary XImage sent over the connection. Used only on the server's thread.
+// ordinary XImage sent over the connection. Small windows (the bar, most menus)
+// skip the image and are sent straight from the caller's pixels: a segment as
+// large as the window, kept for its whole life, costs more than sending a few
+// hundred kilobytes over the connection now and then. Used only on the server's
+// thread.
 #ifndef _SERVER_X11_PRESENTER_H
 #define _SERVER_X11_PRESENTER_H
 
+#include <Region.h>
 #include <SupportDefs.h>
 
 #include <X11/Xlib.h>
@@ -30,6 +35,14 @@ public:
     void Put(Drawable drawable, GC context, int32 x, int32 y, int32 width, int32 height);
 
     bool UsesSharedMemory() const { return fShared; }
+
+    // Whether a window of this size is worth an image of its own.
+    static bool WantsImage(int32 width, int32 height);
+    // Sends a rectangle straight from pixels that stay the caller's (32 bits
+    // each, in the layout of a cairo ARGB32 surface of width x height); they
+    // may change as soon as this returns. Frees the image if there was one.
+    void PutFrom(Drawable drawable, GC context, const uint8* pixels, int32 bytesPerRow, int32 width,
+                 int32 height, clipping_rect rect);
 
 private:
     void _Release();

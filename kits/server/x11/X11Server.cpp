@@ -443,7 +443,19 @@ void X11Server::_StartKeyState() {
     if (fKeyStateTried || fLost)
         return;
     fKeyStateTried = true;
-    fKeyState->Start();
+    if (fKeyState->Start() != B_OK)
+        fKeyStateFailed = true;
+    // Whoever waits for key changes looks again: at the keys as they are now,
+    // or at the news that it has to poll them.
+    _NotifyWatchers();
+}
+
+bool X11Server::_SeesKeyChanges() {
+    if (fLost)
+        return false;
+    if (!fKeyStateRequested.exchange(true))
+        _Enqueue([this] { _StartKeyState(); }, false);
+    return !fKeyStateFailed;
 }
 
 bool X11Server::_ReadKeyState(key_info* info) {

@@ -65,6 +65,7 @@ protected:
     virtual void _WindowPresented(ServerWindow* window, const BRegion& region);
     virtual void _WorkspaceChanged();
     virtual void _BeepNow();
+    virtual bool _SeesKeyChanges();
     virtual ServerWindow* _WindowAt(BPoint where);
 
 private:
@@ -141,6 +142,10 @@ private:
     bigtime_t fGrabRetryUntil;
     Time fLastEventTime;
     bool fKeyStateTried = false;
+    // Any thread: whether a watcher asked for the keyboard to be tracked, and
+    // whether X could not track it.
+    std::atomic<bool> fKeyStateRequested{false};
+    std::atomic<bool> fKeyStateFailed{false};
     bigtime_t fTimeOffset;
     bool fHaveTimeOffset;
 

@@ -55,8 +55,10 @@ void X11Server::_HandleEvents() {
 }
 
 void X11Server::_HandleEvent(XEvent& event) {
-    if (fKeyState->HandleEvent(event))
+    if (fKeyState->HandleEvent(event)) {
+        _NotifyWatchers();
         return;
+    }
     switch (event.type) {
     case ButtonPress:
     case ButtonRelease:
@@ -71,11 +73,29 @@ void X11Server::_HandleEvent(XEvent& event) {
         return;
     case Expose: {
         Record* record = _RecordFor(event.xexpose.window);
-        if (record != NULL && record->presenter != NULL && record->presenter->Width() > 0) {
+        if (record == NULL || record->presenter == NULL)
+            return;
+        if (record->presenter->Width() > 0) {
             record->presenter->Put(
                 record->window, record->context, event.xexpose.x, event.xexpose.y,
                 std::min(event.xexpose.width, record->presenter->Width() - event.xexpose.x),
                 std::min(event.xexpose.height, record->presenter->Height() - event.xexpose.y));
+            return;
+        }
+        // A small window has no image of its own: its pixels are sent again
+        // from the server's copy.
+        clipping_rect rect = {event.xexpose.x, event.xexpose.y,
+                              event.xexpose.x + event.xexpose.width - 1,
+                              event.xexpose.y + event.xexpose.height - 1};
+        std::lock_guard<std::mutex> lock(fLock);
+        ServerWindow* window = _Find(record->id);
+        if (window != NULL && window->frontBuffer != nullptr) {
+            cairo_surface_t* surface = window->frontBuffer.get();
+            cairo_surface_flush(surface);
+            record->presenter->PutFrom(
+                record->window, record->context, cairo_image_surface_get_data(surface),
+                cairo_image_surface_get_stride(surface), cairo_image_surface_get_width(surface),
+                cairo_image_surface_get_height(surface), rect);
         }
         return;
     }

@@ -450,6 +450,7 @@ void X11Server::_ApplyPixels(const std::map<int32, BRegion>& damage) {
         clipping_rect rect;
     };
     std::vector<Put> puts;
+    bool sentDirectly = false;
     {
         std::lock_guard<std::mutex> lock(fLock);
         for (const auto& entry : damage) {
@@ -467,6 +468,18 @@ void X11Server::_ApplyPixels(const std::map<int32, BRegion>& damage) {
             int32 width = cairo_image_surface_get_width(surface);
             int32 height = cairo_image_surface_get_height(surface);
             BRegion region(entry.second);
+            if (!X11Presenter::WantsImage(width, height)) {
+                // Sent while the lock keeps the window from presenting again.
+                cairo_surface_flush(surface);
+                const uint8* pixels = cairo_image_surface_get_data(surface);
+                int32 stride = cairo_image_surface_get_stride(surface);
+                for (int32 index = 0; index < region.CountRects(); index++) {
+                    record->presenter->PutFrom(record->window, record->context, pixels, stride,
+                                               width, height, region.RectAtInt(index));
+                }
+                sentDirectly = true;
+                continue;
+            }
             if (record->presenter->Width() != width || record->presenter->Height() != height) {
                 if (record->presenter->SetSize(width, height) != B_OK)
                     continue;
@@ -506,6 +519,8 @@ void X11Server::_ApplyPixels(const std::map<int32, BRegion>& damage) {
     // overwrite them.
     if (!puts.empty())
         XSync(fDisplay, False);
+    else if (sentDirectly)
+        XFlush(fDisplay);
 }
 
 // #pragma mark - Focus, desktops, grabs

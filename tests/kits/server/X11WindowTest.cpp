@@ -56,6 +56,47 @@ TEST_F(X11ManagedTest, ScreenShowsWhatTheWindowDrew) {
     EXPECT_EQ(0x0ac81eL, fDisplay.ScreenPixel(299, 259));
 }
 
+// Large windows go through an image of their own (shared memory), small ones are
+// sent straight from the server's copy of their pixels; both must show.
+TEST_F(X11ManagedTest, ScreenShowsWhatALargeWindowDrew) {
+    RecordingWindow* window =
+        new RecordingWindow(BRect(100, 100, 499, 399), &fLog, B_NO_BORDER_WINDOW_LOOK, 0,
+                            B_CURRENT_WORKSPACE, rgb_color{200, 30, 10, 255});
+    window->Show();
+    ASSERT_TRUE(WaitForGeometry(window, 100, 100, 400, 300));
+    EXPECT_TRUE(
+        testing_support::wait_until([&] { return fDisplay.ScreenPixel(300, 250) == 0xc81e0a; }));
+    EXPECT_EQ(0xc81e0aL, fDisplay.ScreenPixel(100, 100));
+    // The last column and row (the far corner is left alone: the pointer of
+    // an earlier test may rest there).
+    EXPECT_EQ(0xc81e0aL, fDisplay.ScreenPixel(499, 300));
+    EXPECT_EQ(0xc81e0aL, fDisplay.ScreenPixel(300, 399));
+}
+
+TEST_F(X11ManagedTest, WindowGrownPastTheSmallSizeAndBackStillShowsItsPixels) {
+    RecordingWindow* window =
+        new RecordingWindow(BRect(50, 50, 149, 99), &fLog, B_NO_BORDER_WINDOW_LOOK, 0,
+                            B_CURRENT_WORKSPACE, rgb_color{10, 30, 200, 255});
+    window->Show();
+    ASSERT_TRUE(WaitForGeometry(window, 50, 50, 100, 50));
+    ASSERT_TRUE(
+        testing_support::wait_until([&] { return fDisplay.ScreenPixel(100, 75) == 0x0a1ec8; }));
+
+    window->Lock();
+    window->ResizeTo(499, 399);
+    window->Unlock();
+    ASSERT_TRUE(WaitForGeometry(window, 50, 50, 500, 400));
+    EXPECT_TRUE(
+        testing_support::wait_until([&] { return fDisplay.ScreenPixel(540, 440) == 0x0a1ec8; }));
+
+    window->Lock();
+    window->ResizeTo(79, 39);
+    window->Unlock();
+    ASSERT_TRUE(WaitForGeometry(window, 50, 50, 80, 40));
+    EXPECT_TRUE(
+        testing_support::wait_until([&] { return fDisplay.ScreenPixel(120, 80) == 0x0a1ec8; }));
+}
+
 TEST_F(X11ManagedTest, WindowManagerDesktopsAreTheWorkspaces) {
     EXPECT_EQ(4, count_workspaces());
     EXPECT_EQ(0, current_workspace());
