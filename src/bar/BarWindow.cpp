@@ -21,6 +21,8 @@
 #include <malloc.h>
 #include <string.h>
 
+#include <algorithm>
+
 namespace {
 
 const uint32 kBarWindowFlags = B_NOT_MOVABLE | B_NOT_RESIZABLE | B_WILL_ACCEPT_FIRST_CLICK |
@@ -51,6 +53,7 @@ struct chores_start {
     thread_id windowThread;
     BMessenger target;
     BMessenger application;
+    sem_id wakeUp;
 };
 
 bool workspace_in_mask(uint32 mask, int32 workspace) {
@@ -65,7 +68,7 @@ BarWindow::BarWindow()
     : LayerManager(BRect(-300, -300, -100, -100), gr_app_name, kBarWindowFlags, which_bar_items,
                    which_menu_items),
       fLayerBar(NULL), fAppMenu(NULL), fShelfBar(NULL), fShelf(NULL), fChoresThread(-1),
-      fShowShelf(true) {
+      fChoresWakeUp(-1), fShowShelf(true) {
     SetLook(B_BORDERED_WINDOW_LOOK);
     SetFeel(B_NORMAL_WINDOW_FEEL);
     SetSizeLimits(0, 3000, 0, 3000);
@@ -113,6 +116,7 @@ BarWindow::BarWindow()
 
 BarWindow::~BarWindow() {
     fChoresThread = -1;
+    _EndChores();
     // Strips still in the window are taken out first: the window deletes its
     // own views, and a view is never deleted while attached.
     BView* strips[] = {fLayerBar, fAppMenu, fShelfBar};
@@ -221,7 +225,9 @@ void BarWindow::Show() {
         return;
     // Show() nests; one chores thread is enough.
     if (fChoresThread < 0) {
-        chores_start* start = new chores_start{this, Thread(), BMessenger(this), be_app_messenger};
+        fChoresWakeUp = create_sem(0, "chores wake-up");
+        chores_start* start =
+            new chores_start{this, Thread(), BMessenger(this), be_app_messenger, fChoresWakeUp};
         fChoresThread = spawn_thread(Chores, "chores_slave", B_LOW_PRIORITY, start);
         if (fChoresThread >= 0)
             resume_thread(fChoresThread);
@@ -243,6 +249,7 @@ void BarWindow::Quit() {
             strip->RemoveSelf();
     }
     fChoresThread = -1;
+    _EndChores();
     LayerManager::Quit();
 }
 
@@ -473,13 +480,13 @@ thread_id BarWindow::ChoresThread() const {
 
 int32 BarWindow::Chores(void* data) {
     chores_start* start = static_cast<chores_start*>(data);
-    ChoreTask(start->window, start->windowThread, start->target, start->application);
+    ChoreTask(start->window, start->windowThread, start->target, start->application, start->wakeUp);
     delete start;
     return 0;
 }
 
 void BarWindow::ChoreTask(BarWindow* window, thread_id windowThread, const BMessenger& target,
-                          const BMessenger& application) {
+                          const BMessenger& application, sem_id wakeUp) {
     // The window may be deleted at any moment once its thread is gone, and the
     // application once Run() returns: both are locked through messengers,
     // whose locks fail cleanly on a looper that went away, and only touched
@@ -500,12 +507,20 @@ void BarWindow::ChoreTask(BarWindow* window, thread_id windowThread, const BMess
 
     while (BLooper::LooperForThread(windowThread) != NULL) {
         bigtime_t now = system_time();
+        // Asked before anything is read, so that a change after the reading
+        // still wakes the next round. Asking again changes nothing.
+        bool watched = wakeUp >= 0 && watch_keys_and_workspaces(wakeUp) == B_OK;
+        // A duty skipped for a lock is tried again at the next 30 ms round.
+        bool behind = false;
 
         int32 count = count_workspaces();
-        if (count != workspaceCount && lock(target)) {
-            window->PostMessage(kWorkspaceCountChanged);
-            workspaceCount = count;
-            window->Unlock();
+        if (count != workspaceCount) {
+            if (lock(target)) {
+                window->PostMessage(kWorkspaceCountChanged);
+                workspaceCount = count;
+                window->Unlock();
+            } else
+                behind = true;
         }
 
         if (now - lastTick > kItemCheckInterval && lock(target)) {
@@ -536,11 +551,13 @@ void BarWindow::ChoreTask(BarWindow* window, thread_id windowThread, const BMess
             if (looper != NULL)
                 looper->Unlock();
         }
+        behind = behind || !hotKeyRead;
 
         key_info keys;
         // Exactly the recorded keys: one more held key defeats it.
-        if (hasHotKey && get_key_info(&keys) == B_OK &&
-            memcmp(hotKey, keys.key_states, sizeof(keys.key_states)) == 0 && lock(target)) {
+        bool hotKeyHeld = hasHotKey && get_key_info(&keys) == B_OK &&
+                          memcmp(hotKey, keys.key_states, sizeof(keys.key_states)) == 0;
+        if (hotKeyHeld && lock(target)) {
             if (!window->IsHidden() && !window->IsActive())
                 window->Activate(true);
             window->Unlock();
@@ -551,6 +568,37 @@ void BarWindow::ChoreTask(BarWindow* window, thread_id windowThread, const BMess
             trimTime = 0;
         }
 
-        snooze(kChoresInterval);
+        // While the hot key is held the bar is activated again each round, as
+        // long as it is held. Otherwise nothing the rounds look at changes
+        // before the next item check unless the display server says so: a bar
+        // that woke every 30 ms for nothing would cost more than all else it
+        // does while idle.
+        bigtime_t wait = kChoresInterval;
+        if (watched && !hotKeyHeld && !behind) {
+            bigtime_t next = lastTick + kItemCheckInterval;
+            if (trimTime != 0)
+                next = std::min(next, trimTime);
+            wait = std::max(kChoresInterval, next - now);
+        }
+        if (wakeUp < 0) {
+            snooze(wait);
+            continue;
+        }
+        if (acquire_sem_etc(wakeUp, 1, B_RELATIVE_TIMEOUT, wait) == B_BAD_SEM_ID) {
+            // The window deleted it as it quit.
+            break;
+        }
+        // Several changes at once need one round only.
+        int32 pending;
+        if (get_sem_count(wakeUp, &pending) == B_OK && pending > 0)
+            acquire_sem_etc(wakeUp, pending, B_RELATIVE_TIMEOUT, 0);
     }
+}
+
+void BarWindow::_EndChores() {
+    if (fChoresWakeUp < 0)
+        return;
+    stop_watching_keys_and_workspaces(fChoresWakeUp);
+    delete_sem(fChoresWakeUp);
+    fChoresWakeUp = -1;
 }

@@ -11,10 +11,13 @@
 // menu sits exactly in the chosen corner. Strips that do not show are parked at
 // (-2000, -2000) rather than removed, so they keep their state.
 //
-// A low-priority "chores_slave" thread polls every 30 ms: the global hot key,
-// the number of workspaces, and every 2.5 s a re-check of one item of the shown
-// layer. It only locks the window, or the application, never both at once, and
-// ends by itself once the window's thread is gone.
+// A low-priority "chores_slave" thread does the rounds every 30 ms: the global
+// hot key, the number of workspaces, and every 2.5 s a re-check of one item of
+// the shown layer. Between changes of the keys held or of the workspace count
+// (the display server wakes it for those) it sleeps until the next item check,
+// so an idle bar costs next to nothing. It only locks the window, or the
+// application, never both at once, and ends by itself once the window's thread
+// is gone or the window deleted its wake-up semaphore.
 #ifndef GLIMROW_BAR_WINDOW_H
 #define GLIMROW_BAR_WINDOW_H
 
@@ -70,10 +73,11 @@ public:
     // window is only touched while locked through its messenger.
     static int32 Chores(void* data);
     static void ChoreTask(BarWindow* window, thread_id windowThread, const BMessenger& target,
-                          const BMessenger& application);
+                          const BMessenger& application, sem_id wakeUp);
 
 private:
     void _MoveToCorner(BRect screenFrame);
+    void _EndChores();
 
     LayerBar* fLayerBar;
     AppMenu* fAppMenu;
@@ -81,6 +85,9 @@ private:
     // The GRShelf that keeps the replicants inside the shelf bar.
     BHandler* fShelf;
     thread_id fChoresThread;
+    // Released by the display server when the chores have something to look
+    // at before their next item check; deleted as the window quits.
+    sem_id fChoresWakeUp;
     bool fShowShelf;
 };
 

@@ -6,7 +6,10 @@
 #include <Node.h>
 
 #include <atomic>
+#include <chrono>
+#include <fstream>
 #include <mutex>
+#include <string>
 #include <thread>
 
 using namespace bar_window_testing;
@@ -26,7 +29,8 @@ struct Seen {
     bigtime_t when;
 };
 
-// Notes every chores message that the bar dispatches.
+// Notes every chores message that the bar dispatches, and its activations
+// (index 1) and deactivations (index 0).
 class ChoresRecorder : public BMessageFilter {
 public:
     ChoresRecorder() : BMessageFilter(B_ANY_DELIVERY, B_ANY_SOURCE) {}
@@ -36,6 +40,10 @@ public:
             std::lock_guard<std::mutex> lock(fLock);
             fSeen.push_back(
                 {message->what, *target, message->GetInt32("index", -1), system_time()});
+        } else if (message->what == B_WINDOW_ACTIVATED) {
+            std::lock_guard<std::mutex> lock(fLock);
+            fSeen.push_back(
+                {message->what, *target, message->GetBool("active", false) ? 1 : 0, system_time()});
         }
         return B_DISPATCH_MESSAGE;
     }
@@ -54,6 +62,18 @@ private:
     std::mutex fLock;
     std::vector<Seen> fSeen;
 };
+
+// How many times the kernel has let the thread run so far: the third field of
+// its schedstat, -1 when it cannot be read.
+int64 times_scheduled(thread_id thread) {
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/schedstat");
+    long long runTime = 0;
+    long long waitTime = 0;
+    long long slices = -1;
+    if (!(file >> runTime >> waitTime >> slices))
+        return -1;
+    return slices;
+}
 
 class BarWindowChoresTest : public BarWindowTest {
 protected:
@@ -98,6 +118,26 @@ protected:
 
     bool IsActive() {
         return Locked<bool>([&] { return fBar->IsActive(); });
+    }
+
+    // Shows a bar with the hot key stored and a recorder in place, and waits
+    // for the first item check.
+    ChoresRecorder* StartRecordingWithHotKey() {
+        MakeLayer("empty", {});
+        WriteSettings([](settings& record) { SetName(record, 0, "empty"); });
+        StoreHotKey();
+        StartBar(false);
+        ChoresRecorder* recorder = Record();
+        fBar->Show();
+        EXPECT_TRUE(wait_until([&] { return !recorder->All(kLayerCheckItem).empty(); }));
+        return recorder;
+    }
+
+    // Waits for an item check after those seen so far: the chores thread has
+    // just done its round and has nothing to do before the next one, 2.5 s on.
+    void WaitForNextItemCheck(ChoresRecorder* recorder) {
+        size_t seen = recorder->All(kLayerCheckItem).size();
+        ASSERT_TRUE(wait_until([&] { return recorder->All(kLayerCheckItem).size() > seen; }));
     }
 
     // Lets the chores thread finish two whole rounds: each workspace count
@@ -169,9 +209,11 @@ TEST_F(BarWindowChoresTest, HotKeyWithOneMoreKeyHeldDoesNotActivateTheBar) {
     StoreHotKey();
     ChoresRecorder* recorder = StartRecording();
     ActivateBar(false);
+    // The extra key first: pressed last, it would leave exactly the hot key
+    // held for a moment, and each key change wakes the chores thread at once.
+    ASSERT_EQ(HeadlessTestApi::PressKey(kExtraKey), B_OK);
     ASSERT_EQ(HeadlessTestApi::PressKey(kFirstKey), B_OK);
     ASSERT_EQ(HeadlessTestApi::PressKey(kSecondKey), B_OK);
-    ASSERT_EQ(HeadlessTestApi::PressKey(kExtraKey), B_OK);
     WaitTwoRounds(recorder);
     EXPECT_FALSE(IsActive());
 }
@@ -256,4 +298,84 @@ TEST_F(BarWindowChoresTest, NoLayerMeansNoRecheck) {
         WaitTwoRounds(recorder);
     for (const Seen& check : recorder->All(kLayerCheckItem))
         EXPECT_LT(check.when, switched);
+}
+
+TEST_F(BarWindowChoresTest, IdleChoresThreadSleepsBetweenItemChecks) {
+    ChoresRecorder* recorder = StartRecording();
+    ASSERT_EQ(HeadlessTestApi::WaitForIdle(), B_OK);
+    thread_id chores = fBar->ChoresThread();
+    ASSERT_GE(chores, 0);
+    int64 before = times_scheduled(chores);
+    ASSERT_GE(before, 0);
+    // The span measured, not a wait for something: rounds every 30 ms would
+    // run the thread some 33 times in it.
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    int64 after = times_scheduled(chores);
+    RecordProperty("times_scheduled", std::to_string(after - before));
+    EXPECT_LT(after - before, 10);
+    EXPECT_FALSE(recorder->All(kLayerCheckItem).empty());
+}
+
+TEST_F(BarWindowChoresTest, HotKeyStillHeldActivatesTheBarAgain) {
+    ChoresRecorder* recorder = StartRecordingWithHotKey();
+    ActivateBar(false);
+    ASSERT_EQ(HeadlessTestApi::PressKey(kFirstKey), B_OK);
+    ASSERT_EQ(HeadlessTestApi::PressKey(kSecondKey), B_OK);
+    ASSERT_TRUE(wait_until([&] { return IsActive(); }));
+
+    // Right after an item check the next is 2.5 s away: only the rounds of a
+    // held hot key can activate the bar again before it.
+    WaitForNextItemCheck(recorder);
+    size_t activations = recorder->All(B_WINDOW_ACTIVATED).size();
+    ASSERT_TRUE(fBar->Lock());
+    fBar->Activate(false);
+    fBar->Unlock();
+    auto reactivation = [&](Seen* seen) {
+        std::vector<Seen> all = recorder->All(B_WINDOW_ACTIVATED);
+        bool deactivated = false;
+        for (size_t position = activations; position < all.size(); position++) {
+            if (all[position].index == 0)
+                deactivated = true;
+            else if (deactivated) {
+                *seen = all[position];
+                return true;
+            }
+        }
+        return false;
+    };
+    Seen again = {};
+    ASSERT_TRUE(wait_until([&] { return reactivation(&again); }));
+    Seen deactivation = {};
+    for (const Seen& seen : recorder->All(B_WINDOW_ACTIVATED)) {
+        if (seen.index == 0 && seen.when <= again.when)
+            deactivation = seen;
+    }
+    // One round is 30 ms; a loaded machine is given some slack.
+    EXPECT_LT(again.when - deactivation.when, 1000000);
+    EXPECT_TRUE(wait_until([&] { return IsActive(); }));
+}
+
+TEST_F(BarWindowChoresTest, ChoresThreadSleepingUntilTheNextItemCheckEndsAsTheWindowQuits) {
+    ChoresRecorder* recorder = StartRecording();
+    WaitForNextItemCheck(recorder);
+    ASSERT_TRUE(fBar->Lock());
+    thread_id chores = fBar->ChoresThread();
+    ASSERT_GE(chores, 0);
+    bigtime_t quit = system_time();
+    fBar->Quit();
+    fBar = NULL;
+
+    std::atomic<bigtime_t> ended(0);
+    std::thread waiter([&] {
+        status_t result;
+        wait_for_thread(chores, &result);
+        ended = system_time();
+    });
+    bool endedInTime = wait_until([&] { return ended.load() != 0; });
+    if (!endedInTime)
+        kill_thread(chores);
+    waiter.join();
+    ASSERT_TRUE(endedInTime);
+    // The next item check is 2.5 s away; a loaded machine is given some slack.
+    EXPECT_LT(ended.load() - quit, 1000000);
 }
