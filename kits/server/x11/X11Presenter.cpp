@@ -145,17 +145,21 @@ bool X11Presenter::WantsImage(int32 width, int32 height) {
     return (int64)width * height > kLargestDirectPut;
 }
 
+bool X11Presenter::ClipToImage(clipping_rect* rect, int32 width, int32 height) {
+    rect->left = std::max<int32>(rect->left, 0);
+    rect->top = std::max<int32>(rect->top, 0);
+    rect->right = std::min<int32>(rect->right, width - 1);
+    rect->bottom = std::min<int32>(rect->bottom, height - 1);
+    return rect->left <= rect->right && rect->top <= rect->bottom;
+}
+
 void X11Presenter::PutFrom(Drawable drawable, GC context, const uint8* pixels, int32 bytesPerRow,
                            int32 width, int32 height, clipping_rect rect) {
     if (fPrivate->image != NULL)
         _Release();
     if (pixels == NULL || width <= 0 || height <= 0 || bytesPerRow < width * 4)
         return;
-    rect.left = std::max<int32>(rect.left, 0);
-    rect.top = std::max<int32>(rect.top, 0);
-    rect.right = std::min<int32>(rect.right, width - 1);
-    rect.bottom = std::min<int32>(rect.bottom, height - 1);
-    if (rect.left > rect.right || rect.top > rect.bottom)
+    if (!ClipToImage(&rect, width, height))
         return;
     // Xlib sends the pixels before XPutImage returns; it never keeps them.
     XImage* image = XCreateImage(fDisplay, fVisual, fDepth, ZPixmap, 0, (char*)pixels, width,

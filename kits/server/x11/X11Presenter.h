@@ -38,6 +38,8 @@ public:
 
     // Whether a window of this size is worth an image of its own.
     static bool WantsImage(int32 width, int32 height);
+    // Cuts the rectangle to an image of width x height; false when nothing is left.
+    static bool ClipToImage(clipping_rect* rect, int32 width, int32 height);
     // Sends a rectangle straight from pixels that stay the caller's (32 bits
     // each, in the layout of a cairo ARGB32 surface of width x height); they
     // may change as soon as this returns. Frees the image if there was one.

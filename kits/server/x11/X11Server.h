@@ -114,6 +114,9 @@ private:
     XIC _InputContextFor(Record* record);
     bigtime_t _When(Time time);
     Record* _RecordFor(::Window window);
+    // Sends the region of a window without an image of its own straight from
+    // the server's copy of its pixels; fLock held.
+    void _PutFrontBuffer(Record* record, ServerWindow* window, const BRegion& region);
 
     Display* fDisplay;
     int fScreen;

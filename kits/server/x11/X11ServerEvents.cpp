@@ -84,19 +84,12 @@ void X11Server::_HandleEvent(XEvent& event) {
         }
         // A small window has no image of its own: its pixels are sent again
         // from the server's copy.
-        clipping_rect rect = {event.xexpose.x, event.xexpose.y,
-                              event.xexpose.x + event.xexpose.width - 1,
-                              event.xexpose.y + event.xexpose.height - 1};
+        BRegion region(BRect(event.xexpose.x, event.xexpose.y,
+                             event.xexpose.x + event.xexpose.width - 1,
+                             event.xexpose.y + event.xexpose.height - 1));
         std::lock_guard<std::mutex> lock(fLock);
-        ServerWindow* window = _Find(record->id);
-        if (window != NULL && window->frontBuffer != nullptr) {
-            cairo_surface_t* surface = window->frontBuffer.get();
-            cairo_surface_flush(surface);
-            record->presenter->PutFrom(
-                record->window, record->context, cairo_image_surface_get_data(surface),
-                cairo_image_surface_get_stride(surface), cairo_image_surface_get_width(surface),
-                cairo_image_surface_get_height(surface), rect);
-        }
+        if (ServerWindow* window = _Find(record->id))
+            _PutFrontBuffer(record, window, region);
         return;
     }
     case FocusIn: {

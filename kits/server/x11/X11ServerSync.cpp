@@ -470,13 +470,7 @@ void X11Server::_ApplyPixels(const std::map<int32, BRegion>& damage) {
             BRegion region(entry.second);
             if (!X11Presenter::WantsImage(width, height)) {
                 // Sent while the lock keeps the window from presenting again.
-                cairo_surface_flush(surface);
-                const uint8* pixels = cairo_image_surface_get_data(surface);
-                int32 stride = cairo_image_surface_get_stride(surface);
-                for (int32 index = 0; index < region.CountRects(); index++) {
-                    record->presenter->PutFrom(record->window, record->context, pixels, stride,
-                                               width, height, region.RectAtInt(index));
-                }
+                _PutFrontBuffer(record, window, region);
                 sentDirectly = true;
                 continue;
             }
@@ -495,11 +489,7 @@ void X11Server::_ApplyPixels(const std::map<int32, BRegion>& damage) {
             int32 count = region.CountRects();
             for (int32 index = 0; index < count; index++) {
                 clipping_rect rect = region.RectAtInt(index);
-                rect.left = std::max<int32>(rect.left, 0);
-                rect.top = std::max<int32>(rect.top, 0);
-                rect.right = std::min<int32>(rect.right, width - 1);
-                rect.bottom = std::min<int32>(rect.bottom, height - 1);
-                if (rect.left > rect.right || rect.top > rect.bottom)
+                if (!X11Presenter::ClipToImage(&rect, width, height))
                     continue;
                 size_t bytes = (size_t)(rect.right - rect.left + 1) * 4;
                 for (int32 row = rect.top; row <= rect.bottom; row++) {
@@ -521,6 +511,21 @@ void X11Server::_ApplyPixels(const std::map<int32, BRegion>& damage) {
         XSync(fDisplay, False);
     else if (sentDirectly)
         XFlush(fDisplay);
+}
+
+void X11Server::_PutFrontBuffer(Record* record, ServerWindow* window, const BRegion& region) {
+    cairo_surface_t* surface = window->frontBuffer.get();
+    if (surface == NULL)
+        return;
+    cairo_surface_flush(surface);
+    const uint8* pixels = cairo_image_surface_get_data(surface);
+    int32 stride = cairo_image_surface_get_stride(surface);
+    int32 width = cairo_image_surface_get_width(surface);
+    int32 height = cairo_image_surface_get_height(surface);
+    for (int32 index = 0; index < region.CountRects(); index++) {
+        record->presenter->PutFrom(record->window, record->context, pixels, stride, width, height,
+                                   region.RectAtInt(index));
+    }
 }
 
 // #pragma mark - Focus, desktops, grabs
