@@ -1,8 +1,7 @@
 #include "LaunchHelper.h"
 
 #include "storage/GLibHandles.h"
-
-#include <glib.h>
+#include "storage/GioLibrary.h"
 
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -20,7 +19,7 @@ void child_setup(gpointer) {
 }
 
 status_t status_for_spawn_error(const GError* error) {
-    if (error == nullptr || error->domain != G_SPAWN_ERROR)
+    if (error == nullptr || error->domain != GioLibrary::Get().g_spawn_error_quark())
         return B_LAUNCH_FAILED;
     switch (error->code) {
     case G_SPAWN_ERROR_NOENT:
@@ -63,8 +62,8 @@ status_t LaunchHelper::Spawn(const std::vector<std::vector<std::string>>& comman
         GError* rawError = nullptr;
         GSpawnFlags flags = GSpawnFlags(G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_SEARCH_PATH |
                                         G_SPAWN_STDIN_FROM_DEV_NULL);
-        gboolean started = g_spawn_async(folder, arguments.data(), nullptr, flags, child_setup,
-                                         nullptr, &pid, &rawError);
+        gboolean started = GioLibrary::Get().g_spawn_async(folder, arguments.data(), nullptr, flags,
+                                                           child_setup, nullptr, &pid, &rawError);
         ErrorPtr error(rawError);
         if (!started)
             return status_for_spawn_error(error.get());
@@ -77,7 +76,7 @@ status_t LaunchHelper::WrapInTerminal(std::vector<std::string>* command) {
     if (command == nullptr)
         return B_BAD_VALUE;
     for (const char* terminal : {"x-terminal-emulator", "xterm"}) {
-        StringPtr program(g_find_program_in_path(terminal));
+        StringPtr program(GioLibrary::Get().g_find_program_in_path(terminal));
         if (program == nullptr)
             continue;
         command->insert(command->begin(), {program.get(), "-e"});

@@ -10,6 +10,8 @@
 // with the same fonts.
 #include "TextEngine.h"
 
+#include "TextLibrary.h"
+
 #include <math.h>
 #include <stdio.h>
 #include <string.h>
@@ -36,17 +38,31 @@ bool style_name_is_italic(const char* style) {
     return strstr(style, "Italic") != NULL || strstr(style, "Oblique") != NULL;
 }
 
+// The start of the character after the one at position, in valid UTF-8: the
+// lead byte tells how long its sequence is.
+const char* next_character(const char* position) {
+    uint8 lead = (uint8)*position;
+    if (lead < 0xc0)
+        return position + 1;
+    if (lead < 0xe0)
+        return position + 2;
+    if (lead < 0xf0)
+        return position + 3;
+    return position + 4;
+}
+
 } // namespace
 
 std::string valid_text(const char* text, int32 length) {
     if (text == NULL)
         return std::string();
     size_t size = length < 0 ? strlen(text) : strnlen(text, (size_t)length);
-    if (g_utf8_validate(text, (gssize)size, NULL))
+    const TextLibrary& library = TextLibrary::Get();
+    if (library.g_utf8_validate(text, (gssize)size, NULL))
         return std::string(text, size);
-    gchar* fixed = g_utf8_make_valid(text, (gssize)size);
+    gchar* fixed = library.g_utf8_make_valid(text, (gssize)size);
     std::string result(fixed);
-    g_free(fixed);
+    library.g_free(fixed);
     return result;
 }
 
@@ -58,7 +74,7 @@ std::vector<size_t> character_boundaries(const std::string& text) {
     std::vector<size_t> boundaries;
     const char* start = text.c_str();
     const char* end = start + text.size();
-    for (const char* position = start; position < end; position = g_utf8_next_char(position))
+    for (const char* position = start; position < end; position = next_character(position))
         boundaries.push_back((size_t)(position - start));
     boundaries.push_back(text.size());
     return boundaries;
@@ -90,24 +106,24 @@ TextEngine& TextEngine::Default() {
     return *sEngine;
 }
 
-TextEngine::TextEngine() {
-    fFontMap = pango_cairo_font_map_new();
+TextEngine::TextEngine() : fLibrary(TextLibrary::Get()) {
+    fFontMap = fLibrary.pango_cairo_font_map_new();
     for (int32 aliased = 0; aliased < 2; aliased++) {
-        PangoContext* context = pango_font_map_create_context(fFontMap);
+        PangoContext* context = fLibrary.pango_font_map_create_context(fFontMap);
         cairo_font_options_t* options = cairo_font_options_create();
         cairo_font_options_set_antialias(options,
                                          aliased ? CAIRO_ANTIALIAS_NONE : CAIRO_ANTIALIAS_GRAY);
         cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_SLIGHT);
         cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_ON);
-        pango_cairo_context_set_font_options(context, options);
+        fLibrary.pango_cairo_context_set_font_options(context, options);
         cairo_font_options_destroy(options);
-        pango_context_set_language(context, pango_language_from_string("en"));
-        pango_context_set_base_dir(context, PANGO_DIRECTION_LTR);
+        fLibrary.pango_context_set_language(context, fLibrary.pango_language_from_string("en"));
+        fLibrary.pango_context_set_base_dir(context, PANGO_DIRECTION_LTR);
         fContexts[aliased] = context;
 
-        PangoLayout* layout = pango_layout_new(context);
-        pango_layout_set_single_paragraph_mode(layout, TRUE);
-        pango_layout_set_width(layout, -1);
+        PangoLayout* layout = fLibrary.pango_layout_new(context);
+        fLibrary.pango_layout_set_single_paragraph_mode(layout, TRUE);
+        fLibrary.pango_layout_set_width(layout, -1);
         fLayouts[aliased] = layout;
     }
 }
@@ -123,40 +139,41 @@ const std::vector<FamilyInfo>& TextEngine::Families() {
 
     PangoFontFamily** families = NULL;
     int familyCount = 0;
-    pango_font_map_list_families(fFontMap, &families, &familyCount);
+    fLibrary.pango_font_map_list_families(fFontMap, &families, &familyCount);
     for (int i = 0; i < familyCount; i++) {
         FamilyInfo family;
-        family.name = pango_font_family_get_name(families[i]);
+        family.name = fLibrary.pango_font_family_get_name(families[i]);
         if (family.name.size() > B_FONT_FAMILY_LENGTH)
             continue;
-        family.fixed = pango_font_family_is_monospace(families[i]);
+        family.fixed = fLibrary.pango_font_family_is_monospace(families[i]);
 
         PangoFontFace** faces = NULL;
         int faceCount = 0;
-        pango_font_family_list_faces(families[i], &faces, &faceCount);
+        fLibrary.pango_font_family_list_faces(families[i], &faces, &faceCount);
         for (int j = 0; j < faceCount; j++) {
-            const char* name = pango_font_face_get_face_name(faces[j]);
-            if (pango_font_face_is_synthesized(faces[j]) || name == NULL ||
+            const char* name = fLibrary.pango_font_face_get_face_name(faces[j]);
+            if (fLibrary.pango_font_face_is_synthesized(faces[j]) || name == NULL ||
                 strlen(name) > B_FONT_STYLE_LENGTH) {
                 continue;
             }
-            PangoFontDescription* description = pango_font_face_describe(faces[j]);
+            PangoFontDescription* description = fLibrary.pango_font_face_describe(faces[j]);
             StyleInfo style;
             style.name = name;
-            style.weight = pango_font_description_get_weight(description);
+            style.weight = fLibrary.pango_font_description_get_weight(description);
             style.bold = style.weight >= PANGO_WEIGHT_SEMIBOLD;
-            style.italic = pango_font_description_get_style(description) != PANGO_STYLE_NORMAL;
+            style.italic =
+                fLibrary.pango_font_description_get_style(description) != PANGO_STYLE_NORMAL;
             style.normalStretch =
-                pango_font_description_get_stretch(description) == PANGO_STRETCH_NORMAL;
+                fLibrary.pango_font_description_get_stretch(description) == PANGO_STRETCH_NORMAL;
             style.description = description;
             family.styles.push_back(style);
         }
-        g_free(faces);
+        fLibrary.g_free(faces);
         std::sort(family.styles.begin(), family.styles.end(),
                   [](const StyleInfo& a, const StyleInfo& b) { return a.name < b.name; });
         fFamilies.push_back(std::move(family));
     }
-    g_free(families);
+    fLibrary.g_free(families);
     std::sort(fFamilies.begin(), fFamilies.end(),
               [](const FamilyInfo& a, const FamilyInfo& b) { return a.name < b.name; });
     return fFamilies;
@@ -185,37 +202,38 @@ const FontEntry& TextEngine::EntryFor(const BFont& font) {
     PangoFontDescription* description = NULL;
     if (is_system_face(familyName, styleName)) {
         // Fontconfig picks the very face that the font list would name.
-        description = pango_font_description_new();
-        pango_font_description_set_family(description, familyName);
+        description = fLibrary.pango_font_description_new();
+        fLibrary.pango_font_description_set_family(description, familyName);
         if (style_name_is_bold(styleName))
-            pango_font_description_set_weight(description, PANGO_WEIGHT_BOLD);
+            fLibrary.pango_font_description_set_weight(description, PANGO_WEIGHT_BOLD);
     } else if (const FamilyInfo* family = FindFamily(familyName)) {
         for (const StyleInfo& style : family->styles) {
             if (style.name == styleName) {
-                description = pango_font_description_copy(style.description);
+                description = fLibrary.pango_font_description_copy(style.description);
                 break;
             }
         }
     }
     if (description == NULL) {
         // Not an installed face: let fontconfig find the closest one.
-        description = pango_font_description_new();
-        pango_font_description_set_family(description, familyName);
+        description = fLibrary.pango_font_description_new();
+        fLibrary.pango_font_description_set_family(description, familyName);
         if (style_name_is_bold(styleName))
-            pango_font_description_set_weight(description, PANGO_WEIGHT_BOLD);
+            fLibrary.pango_font_description_set_weight(description, PANGO_WEIGHT_BOLD);
         if (style_name_is_italic(styleName))
-            pango_font_description_set_style(description, PANGO_STYLE_ITALIC);
+            fLibrary.pango_font_description_set_style(description, PANGO_STYLE_ITALIC);
     }
-    pango_font_description_set_absolute_size(description, font.Size() * PANGO_SCALE);
+    fLibrary.pango_font_description_set_absolute_size(description, font.Size() * PANGO_SCALE);
 
     FontEntry entry;
     entry.description = description;
-    PangoFontMetrics* metrics = pango_context_get_metrics(ContextFor(font), description, NULL);
-    entry.height.ascent = (float)pango_font_metrics_get_ascent(metrics) / PANGO_SCALE;
-    entry.height.descent = (float)pango_font_metrics_get_descent(metrics) / PANGO_SCALE;
-    float lineHeight = (float)pango_font_metrics_get_height(metrics) / PANGO_SCALE;
+    PangoFontMetrics* metrics =
+        fLibrary.pango_context_get_metrics(ContextFor(font), description, NULL);
+    entry.height.ascent = (float)fLibrary.pango_font_metrics_get_ascent(metrics) / PANGO_SCALE;
+    entry.height.descent = (float)fLibrary.pango_font_metrics_get_descent(metrics) / PANGO_SCALE;
+    float lineHeight = (float)fLibrary.pango_font_metrics_get_height(metrics) / PANGO_SCALE;
     entry.height.leading = std::max(0.0f, lineHeight - entry.height.ascent - entry.height.descent);
-    pango_font_metrics_unref(metrics);
+    fLibrary.pango_font_metrics_unref(metrics);
 
     return fFonts.emplace(key, entry).first->second;
 }
@@ -224,36 +242,39 @@ PangoLayout* TextEngine::Prepare(const BFont& font, const std::string& text,
                                  const escapement_delta* delta) {
     const FontEntry& entry = EntryFor(font);
     PangoLayout* layout = fLayouts[(font.Flags() & B_DISABLE_ANTIALIASING) != 0 ? 1 : 0];
-    pango_layout_set_font_description(layout, entry.description);
-    pango_layout_set_text(layout, text.c_str(), (int)text.size());
+    fLibrary.pango_layout_set_font_description(layout, entry.description);
+    fLibrary.pango_layout_set_text(layout, text.c_str(), (int)text.size());
 
     PangoAttrList* attributes = NULL;
     uint16 face = font.Face();
     if ((face & (B_UNDERSCORE_FACE | B_STRIKEOUT_FACE)) != 0) {
-        attributes = pango_attr_list_new();
+        attributes = fLibrary.pango_attr_list_new();
         if ((face & B_UNDERSCORE_FACE) != 0)
-            pango_attr_list_insert(attributes, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+            fLibrary.pango_attr_list_insert(
+                attributes, fLibrary.pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
         if ((face & B_STRIKEOUT_FACE) != 0)
-            pango_attr_list_insert(attributes, pango_attr_strikethrough_new(TRUE));
+            fLibrary.pango_attr_list_insert(attributes,
+                                            fLibrary.pango_attr_strikethrough_new(TRUE));
     }
     if (delta != NULL && (delta->nonspace != 0.0f || delta->space != 0.0f) &&
         isfinite(delta->nonspace) && isfinite(delta->space)) {
         if (attributes == NULL)
-            attributes = pango_attr_list_new();
+            attributes = fLibrary.pango_attr_list_new();
         std::vector<size_t> boundaries = character_boundaries(text);
         for (size_t i = 0; i + 1 < boundaries.size(); i++) {
             float extra = text[boundaries[i]] == ' ' ? delta->space : delta->nonspace;
             if (extra == 0.0f)
                 continue;
-            PangoAttribute* spacing = pango_attr_letter_spacing_new((int)(extra * PANGO_SCALE));
+            PangoAttribute* spacing =
+                fLibrary.pango_attr_letter_spacing_new((int)(extra * PANGO_SCALE));
             spacing->start_index = (guint)boundaries[i];
             spacing->end_index = (guint)boundaries[i + 1];
-            pango_attr_list_insert(attributes, spacing);
+            fLibrary.pango_attr_list_insert(attributes, spacing);
         }
     }
-    pango_layout_set_attributes(layout, attributes);
+    fLibrary.pango_layout_set_attributes(layout, attributes);
     if (attributes != NULL)
-        pango_attr_list_unref(attributes);
+        fLibrary.pango_attr_list_unref(attributes);
     return layout;
 }
 
@@ -269,7 +290,7 @@ float TextEngine::Width(const BFont& font, const std::string& text) {
 
     PangoLayout* layout = Prepare(font, text, NULL);
     PangoRectangle logical;
-    pango_layout_get_extents(layout, NULL, &logical);
+    fLibrary.pango_layout_get_extents(layout, NULL, &logical);
     float width = (float)logical.width / PANGO_SCALE;
 
     if (fWidths.size() >= kWidthCacheLimit)
@@ -284,8 +305,8 @@ TextEngine::RenderedText TextEngine::Render(const BFont& font, const std::string
     PangoLayout* layout = Prepare(font, text, delta);
     PangoRectangle ink;
     PangoRectangle logical;
-    pango_layout_get_extents(layout, &ink, &logical);
-    double ascent = (double)pango_layout_get_baseline(layout) / PANGO_SCALE;
+    fLibrary.pango_layout_get_extents(layout, &ink, &logical);
+    double ascent = (double)fLibrary.pango_layout_get_baseline(layout) / PANGO_SCALE;
 
     RenderedText rendered;
     rendered.advance = (float)logical.width / PANGO_SCALE;
@@ -354,12 +375,12 @@ TextEngine::RenderedText TextEngine::Render(const BFont& font, const std::string
     // A turned or slanted string is laid out anew for its transformation (for
     // its hinting); level text keeps the layout as measured.
     if (!level)
-        pango_cairo_update_layout(context, layout);
+        fLibrary.pango_cairo_update_layout(context, layout);
     cairo_move_to(context, 0.0, -ascent);
-    pango_cairo_show_layout(context, layout);
+    fLibrary.pango_cairo_show_layout(context, layout);
     cairo_destroy(context);
     if (!level)
-        pango_context_set_matrix(pango_layout_get_context(layout), NULL);
+        fLibrary.pango_context_set_matrix(fLibrary.pango_layout_get_context(layout), NULL);
 
     cairo_surface_flush(surface.get());
     rendered.surface = std::move(surface);

@@ -16,6 +16,8 @@
 
 namespace BPrivate {
 
+struct TextLibrary;
+
 struct StyleInfo {
     std::string name;
     bool bold;
@@ -85,6 +87,8 @@ public:
 private:
     TextEngine();
 
+    // Every pango call goes through the library opened when the engine is made.
+    const TextLibrary& fLibrary;
     PangoFontMap* fFontMap;
     // Antialiased and aliased text differ in their font options.
     PangoContext* fContexts[2];

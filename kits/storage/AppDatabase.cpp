@@ -4,13 +4,12 @@
 #include "ContentType.h"
 #include "DesktopEntry.h"
 #include "GLibHandles.h"
+#include "GioLibrary.h"
 
 #include <AppFileInfo.h>
 #include <MimeType.h>
 #include <Node.h>
 #include <Roster.h>
-
-#include <gio/gdesktopappinfo.h>
 
 #include <dirent.h>
 #include <string.h>
@@ -134,17 +133,26 @@ bool still_answers(const std::string& path, const std::string& signature) {
            strcasecmp(current.c_str(), signature.c_str()) == 0;
 }
 
+// The items of GIO's application lists are GAppInfo objects; only desktop
+// entries have a file.
+GAppInfo* app_info_of(gpointer item) {
+    return static_cast<GAppInfo*>(item);
+}
+
 std::string path_of(GAppInfo* application) {
-    if (application == nullptr || !G_IS_DESKTOP_APP_INFO(application))
+    const GioLibrary& library = GioLibrary::Get();
+    if (application == nullptr ||
+        !is_instance_of(application, library.g_desktop_app_info_get_type()))
         return std::string();
-    const char* file = g_desktop_app_info_get_filename(G_DESKTOP_APP_INFO(application));
+    const char* file =
+        library.g_desktop_app_info_get_filename(reinterpret_cast<GDesktopAppInfo*>(application));
     return file != nullptr ? file : std::string();
 }
 
 void add_signatures(GList* applications, std::vector<std::string>* signatures,
                     const std::vector<std::string>& skip) {
     for (GList* item = applications; item != nullptr; item = item->next) {
-        std::string path = path_of(G_APP_INFO(item->data));
+        std::string path = path_of(app_info_of(item->data));
         std::string signature;
         if (path.empty() || AppDatabase::SignatureFor(path.c_str(), &signature) != B_OK)
             continue;
@@ -161,7 +169,7 @@ void add_signatures(GList* applications, std::vector<std::string>* signatures,
 // Whether an application takes the type through a parent other than the
 // catch-all application/octet-stream.
 bool takes_through_real_parent(GAppInfo* application, const char* type) {
-    const char** supported = g_app_info_get_supported_types(application);
+    const char** supported = GioLibrary::Get().g_app_info_get_supported_types(application);
     for (; supported != nullptr && *supported != nullptr; supported++) {
         if (strcmp(*supported, "application/octet-stream") != 0 && type_is_a(type, *supported))
             return true;
@@ -239,9 +247,9 @@ status_t AppDatabase::FindApp(const char* signature, std::string* path) {
         if (found.empty()) {
             // Someone may have changed the case of the signature: compare the
             // installed entries' signatures as MIME strings.
-            AppInfoList all(g_app_info_get_all());
+            AppInfoList all(GioLibrary::Get().g_app_info_get_all());
             for (GList* item = all.get(); item != nullptr && found.empty(); item = item->next) {
-                std::string candidate = path_of(G_APP_INFO(item->data));
+                std::string candidate = path_of(app_info_of(item->data));
                 std::string candidateSignature =
                     signature_for_desktop_id(DesktopEntry::IDForPath(candidate.c_str()));
                 if (!candidate.empty() && strcasecmp(candidateSignature.c_str(), signature) == 0)
@@ -302,9 +310,10 @@ status_t AppDatabase::FindApp(const char* signature, std::string* path) {
 status_t AppDatabase::DefaultAppFor(const char* type, std::string* path) {
     if (type == nullptr || path == nullptr || type[0] == '\0')
         return B_BAD_VALUE;
-    StringPtr contentType(g_content_type_from_mime_type(type));
-    ObjectPtr<GAppInfo> application(
-        g_app_info_get_default_for_type(contentType != nullptr ? contentType.get() : type, FALSE));
+    const GioLibrary& library = GioLibrary::Get();
+    StringPtr contentType(library.g_content_type_from_mime_type(type));
+    ObjectPtr<GAppInfo> application(library.g_app_info_get_default_for_type(
+        contentType != nullptr ? contentType.get() : type, FALSE));
     std::string file = path_of(application.get());
     if (file.empty())
         return B_LAUNCH_FAILED_NO_PREFERRED_APP;
@@ -321,27 +330,28 @@ status_t AppDatabase::SupportingApps(const char* type, std::vector<std::string>*
     // Types without a subtype ("text") have no applications of their own here.
     if (strchr(type, '/') == nullptr)
         return B_OK;
-    StringPtr contentType(g_content_type_from_mime_type(type));
+    const GioLibrary& library = GioLibrary::Get();
+    StringPtr contentType(library.g_content_type_from_mime_type(type));
     const char* lookup = contentType != nullptr ? contentType.get() : type;
 
-    AppInfoList exact(g_app_info_get_recommended_for_type(lookup));
+    AppInfoList exact(library.g_app_info_get_recommended_for_type(lookup));
     add_signatures(exact.get(), forType, {});
 
-    AppInfoList fallback(g_app_info_get_fallback_for_type(lookup));
-    AppInfoList anyFile(g_app_info_get_all_for_type("application/octet-stream"));
+    AppInfoList fallback(library.g_app_info_get_fallback_for_type(lookup));
+    AppInfoList anyFile(library.g_app_info_get_all_for_type("application/octet-stream"));
     GList* kept = nullptr;
     for (GList* item = fallback.get(); item != nullptr; item = item->next) {
-        GAppInfo* application = G_APP_INFO(item->data);
+        GAppInfo* application = app_info_of(item->data);
         bool takesAnyFile = false;
         for (GList* other = anyFile.get(); other != nullptr; other = other->next) {
-            if (g_app_info_equal(application, G_APP_INFO(other->data)))
+            if (library.g_app_info_equal(application, app_info_of(other->data)))
                 takesAnyFile = true;
         }
         if (!takesAnyFile || takes_through_real_parent(application, lookup))
-            kept = g_list_append(kept, application);
+            kept = library.g_list_append(kept, application);
     }
     add_signatures(kept, forParents, *forType);
-    g_list_free(kept);
+    library.g_list_free(kept);
     return B_OK;
 }
 
@@ -349,7 +359,7 @@ status_t AppDatabase::WildcardApps(std::vector<std::string>* signatures) {
     if (signatures == nullptr)
         return B_BAD_VALUE;
     signatures->clear();
-    AppInfoList anyFile(g_app_info_get_all_for_type("application/octet-stream"));
+    AppInfoList anyFile(GioLibrary::Get().g_app_info_get_all_for_type("application/octet-stream"));
     add_signatures(anyFile.get(), signatures, {});
     return B_OK;
 }

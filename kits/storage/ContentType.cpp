@@ -1,6 +1,7 @@
 #include "ContentType.h"
 
 #include "GLibHandles.h"
+#include "GioLibrary.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -72,10 +73,15 @@ bool database_has(const std::string& relativePath) {
     return false;
 }
 
+// ASCII only, whatever the locale, as type names are compared. Done here rather
+// than by GLib so that asking whether a type is known reads only the database's
+// files and does not open GIO.
 std::string lower_case(const char* text) {
     std::string result = text;
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](unsigned char character) { return char(g_ascii_tolower(character)); });
+    for (char& character : result) {
+        if (character >= 'A' && character <= 'Z')
+            character = char(character - 'A' + 'a');
+    }
     return result;
 }
 
@@ -133,7 +139,8 @@ std::string comment_with_tag(const std::string& text, const std::string& openTag
 }
 
 std::string comment_for_languages(const std::string& text) {
-    for (const gchar* const* language = g_get_language_names(); *language != nullptr; language++) {
+    const gchar* const* languages = GioLibrary::Get().g_get_language_names();
+    for (const gchar* const* language = languages; *language != nullptr; language++) {
         if (strcmp(*language, "C") == 0)
             break;
         std::string localized =
@@ -149,10 +156,12 @@ std::string comment_for_languages(const std::string& text) {
 std::string guess_type(const char* name, const void* data, size_t length) {
     if (name == nullptr && (data == nullptr || length == 0))
         return "application/octet-stream";
-    StringPtr type(g_content_type_guess(name, static_cast<const guchar*>(data), length, nullptr));
+    const GioLibrary& library = GioLibrary::Get();
+    StringPtr type(
+        library.g_content_type_guess(name, static_cast<const guchar*>(data), length, nullptr));
     if (type == nullptr)
         return "application/octet-stream";
-    StringPtr mime(g_content_type_get_mime_type(type.get()));
+    StringPtr mime(library.g_content_type_get_mime_type(type.get()));
     return mime != nullptr ? mime.get() : type.get();
 }
 
@@ -186,9 +195,10 @@ status_t guess_type_for_node(const char* path, const struct stat& info, std::str
 
     const char* name = leaf_of(path);
     gboolean uncertain = TRUE;
-    StringPtr byName(g_content_type_guess(name, nullptr, 0, &uncertain));
+    const GioLibrary& library = GioLibrary::Get();
+    StringPtr byName(library.g_content_type_guess(name, nullptr, 0, &uncertain));
     if (byName != nullptr && !uncertain) {
-        StringPtr mime(g_content_type_get_mime_type(byName.get()));
+        StringPtr mime(library.g_content_type_get_mime_type(byName.get()));
         *type = mime != nullptr ? mime.get() : byName.get();
         return B_OK;
     }
@@ -222,12 +232,14 @@ std::vector<std::string> icon_names_for_type(const char* type) {
     std::vector<std::string> names;
     if (type == nullptr || type[0] == '\0')
         return names;
-    StringPtr contentType(g_content_type_from_mime_type(type));
+    const GioLibrary& library = GioLibrary::Get();
+    StringPtr contentType(library.g_content_type_from_mime_type(type));
     ObjectPtr<GIcon> icon(
-        g_content_type_get_icon(contentType != nullptr ? contentType.get() : type));
-    if (icon == nullptr || !G_IS_THEMED_ICON(icon.get()))
+        library.g_content_type_get_icon(contentType != nullptr ? contentType.get() : type));
+    if (icon == nullptr || !is_instance_of(icon.get(), library.g_themed_icon_get_type()))
         return names;
-    const gchar* const* list = g_themed_icon_get_names(G_THEMED_ICON(icon.get()));
+    const gchar* const* list =
+        library.g_themed_icon_get_names(reinterpret_cast<GThemedIcon*>(icon.get()));
     for (; list != nullptr && *list != nullptr; list++) {
         std::string name = *list;
         const std::string symbolic = "-symbolic";
@@ -244,7 +256,7 @@ std::string description_for_type(const char* type) {
     if (type == nullptr || !type_is_known(type))
         return std::string();
     std::string name = lower_case(type);
-    StringPtr unaliased(g_content_type_from_mime_type(name.c_str()));
+    StringPtr unaliased(GioLibrary::Get().g_content_type_from_mime_type(name.c_str()));
     if (unaliased != nullptr)
         name = unaliased.get();
     if (name.find("..") != std::string::npos)
@@ -260,11 +272,11 @@ std::string description_for_type(const char* type) {
 bool type_is_a(const char* type, const char* other) {
     if (type == nullptr || other == nullptr)
         return false;
-    return g_content_type_is_a(type, other);
+    return GioLibrary::Get().g_content_type_is_a(type, other);
 }
 
 bool type_can_be_executable(const char* type) {
-    return type != nullptr && g_content_type_can_be_executable(type);
+    return type != nullptr && GioLibrary::Get().g_content_type_can_be_executable(type);
 }
 
 bool type_is_known(const char* type) {
@@ -277,7 +289,7 @@ bool type_is_known(const char* type) {
         return true;
     // Aliases (application/x-pdf for application/pdf) are known under their
     // real name.
-    StringPtr unaliased(g_content_type_from_mime_type(lower.c_str()));
+    StringPtr unaliased(GioLibrary::Get().g_content_type_from_mime_type(lower.c_str()));
     return unaliased != nullptr && lower != unaliased.get() &&
            database_has(std::string(unaliased.get()) + ".xml");
 }

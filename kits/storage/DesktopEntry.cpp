@@ -1,6 +1,6 @@
 #include "DesktopEntry.h"
 
-#include <glib.h>
+#include "GioLibrary.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -227,7 +227,10 @@ std::string DesktopEntry::String(const char* key) const {
 std::string DesktopEntry::LocaleString(const char* key) const {
     if (key == nullptr)
         return std::string();
-    for (const gchar* const* language = g_get_language_names(); *language != nullptr; language++) {
+    // GLib's list covers $LANGUAGE, the locale variables and their shorter forms
+    // ("de_DE", "de") the way every other desktop program reads them.
+    const gchar* const* languages = GioLibrary::Get().g_get_language_names();
+    for (const gchar* const* language = languages; *language != nullptr; language++) {
         if (strcmp(*language, "C") == 0)
             break;
         std::string localized = std::string(key) + "[" + *language + "]";

@@ -1,10 +1,13 @@
 // Owning handles for the GLib, GIO and cairo objects the storage kit uses, so that
-// every early return releases what it took (kit-private).
+// every early return releases what it took (kit-private). GLib is released through
+// the table of the library opened at run time; a handle only holds something once
+// that library is loaded, so releasing never loads anything new.
 #ifndef _STORAGE_GLIB_HANDLES_H
 #define _STORAGE_GLIB_HANDLES_H
 
+#include "GioLibrary.h"
+
 #include <cairo.h>
-#include <gio/gio.h>
 
 #include <memory>
 
@@ -14,27 +17,30 @@ namespace storage_glib {
 struct ObjectUnref {
     void operator()(gpointer object) const {
         if (object != nullptr)
-            g_object_unref(object);
+            GioLibrary::Get().g_object_unref(object);
     }
 };
 
 struct Free {
-    void operator()(gpointer memory) const { g_free(memory); }
+    void operator()(gpointer memory) const { GioLibrary::Get().g_free(memory); }
 };
 
 struct StrvFree {
-    void operator()(gchar** vector) const { g_strfreev(vector); }
+    void operator()(gchar** vector) const { GioLibrary::Get().g_strfreev(vector); }
 };
 
 struct ErrorFree {
     void operator()(GError* error) const {
         if (error != nullptr)
-            g_error_free(error);
+            GioLibrary::Get().g_error_free(error);
     }
 };
 
 struct AppInfoListFree {
-    void operator()(GList* list) const { g_list_free_full(list, g_object_unref); }
+    void operator()(GList* list) const {
+        const GioLibrary& library = GioLibrary::Get();
+        library.g_list_free_full(list, library.g_object_unref);
+    }
 };
 
 struct SurfaceDestroy {

@@ -39,16 +39,13 @@ bool is_row_bar() {
 
 } // namespace
 
-AppMenuItem::AppMenuItem() : BMenuItem(new BMenu(gr_app_name, B_ITEMS_IN_COLUMN)), fIcon(NULL) {
+AppMenuItem::AppMenuItem()
+    : BMenuItem(new BMenu(gr_app_name, B_ITEMS_IN_COLUMN)), fIcon(NULL), fIconLooked(true) {
     app_info info;
     if (be_app == NULL || be_app->GetAppInfo(&info) != B_OK)
         return;
-    fIcon = new BBitmap(BRect(0, 0, 15, 15), B_CMAP8);
-    if (fIcon->InitCheck() != B_OK ||
-        BNodeInfo::GetTrackerIcon(&info.ref, fIcon, B_MINI_ICON) != B_OK) {
-        delete fIcon;
-        fIcon = NULL;
-    }
+    fAppFile = info.ref;
+    fIconLooked = false;
 }
 
 AppMenuItem::~AppMenuItem() {
@@ -60,6 +57,18 @@ bool AppMenuItem::IsSelected2() const {
 }
 
 const BBitmap* AppMenuItem::Icon() const {
+    // The icon is found when it is first wanted, which is the first draw: finding
+    // it guesses the program file's type and searches the icon theme, and the bar
+    // maps its window sooner without that.
+    if (fIconLooked)
+        return fIcon;
+    fIconLooked = true;
+    fIcon = new BBitmap(BRect(0, 0, 15, 15), B_CMAP8);
+    if (fIcon->InitCheck() != B_OK ||
+        BNodeInfo::GetTrackerIcon(&fAppFile, fIcon, B_MINI_ICON) != B_OK) {
+        delete fIcon;
+        fIcon = NULL;
+    }
     return fIcon;
 }
 
@@ -83,10 +92,10 @@ void AppMenuItem::DrawContent() {
         return;
     BRect frame = Frame();
 
-    if (fIcon != NULL) {
+    if (const BBitmap* icon = Icon()) {
         menu->SetDrawingMode(B_OP_OVER);
-        menu->DrawBitmap(fIcon, BPoint(ceilf(frame.left + (frame.Width() - 16) / 2),
-                                       ceilf(frame.top + (frame.Height() - 16) / 2)));
+        menu->DrawBitmap(icon, BPoint(ceilf(frame.left + (frame.Width() - 16) / 2),
+                                      ceilf(frame.top + (frame.Height() - 16) / 2)));
         menu->SetDrawingMode(B_OP_COPY);
     } else {
         BFont savedFont;

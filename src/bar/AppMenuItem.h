@@ -5,14 +5,15 @@
 #ifndef GLIMROW_APP_MENU_ITEM_H
 #define GLIMROW_APP_MENU_ITEM_H
 
+#include <Entry.h>
 #include <MenuItem.h>
 
 class BBitmap;
 
 class AppMenuItem : public BMenuItem {
 public:
-    // Makes the submenu (titled with the application name, in a column) and
-    // takes the icon from the running application's file.
+    // Makes the submenu (titled with the application name, in a column); the
+    // icon comes from the file of the application running at that moment, if any.
     AppMenuItem();
     virtual ~AppMenuItem();
 
@@ -26,7 +27,9 @@ protected:
     virtual void DrawContent();
 
 private:
-    BBitmap* fIcon;
+    entry_ref fAppFile;
+    mutable BBitmap* fIcon;
+    mutable bool fIconLooked;
 };
 
 #endif // GLIMROW_APP_MENU_ITEM_H
