@@ -10,6 +10,7 @@
 
 #include <AppDefs.h>
 #include <Autolock.h>
+#include <Bitmap.h>
 #include <InterfaceDefs.h>
 #include <MenuItem.h>
 #include <MessageQueue.h>
@@ -453,6 +454,29 @@ TEST_F(AppMenuTest, PlainPressOnTheHandleOpensTheMenuInsteadOfDragging) {
     EXPECT_EQ(WindowFrame().LeftTop(), BPoint(0, 0));
     EXPECT_TRUE(
         wait_until([&] { return Locked<bool>([&] { return Menu()->Item()->IsSelected2(); }); }));
+}
+
+TEST_F(AppMenuTest, HandleShowsTheProgramsIconOnceDrawn) {
+    Start(0);
+    ActivateBar(true);
+    const BBitmap* icon = Locked<const BBitmap*>([&] { return Menu()->Item()->Icon(); });
+    ASSERT_NE(icon, nullptr);
+    EXPECT_EQ(icon->Bounds(), BRect(0, 0, 15, 15));
+    BRect frame = AppMenuFrame();
+    BPrivate::Capture capture;
+    ASSERT_EQ(HeadlessTestApi::CaptureWindow(fBar, &capture), B_OK);
+    rgb_color view = Locked<rgb_color>([&] { return Menu()->ViewColor(); });
+    // The 16 x 16 icon stands centred in the handle, over the submenu's
+    // marker, which only takes the right half: the left half shows the icon.
+    BPoint center((frame.left + frame.right) / 2, (frame.top + frame.bottom) / 2);
+    int32 inked = 0;
+    for (int32 y = (int32)center.y - 6; y <= (int32)center.y + 6; y++) {
+        for (int32 x = (int32)center.x - 7; x <= (int32)center.x - 2; x++) {
+            if (capture.ColorAt(x, y) != view)
+                inked++;
+        }
+    }
+    EXPECT_GT(inked, 0);
 }
 
 TEST_F(AppMenuTest, UpdateIconMessageChangesNothing) {
