@@ -548,6 +548,10 @@ void LooperPrivate::SetDeliveryHook(DeliveryHook hook) {
     fLooper->fPrivate->port->SetDeliveryHook(hook);
 }
 
+void LooperPrivate::SetUnlockHook(UnlockHook hook) {
+    fLooper->fPrivate->port->SetUnlockHook(hook, hook != NULL ? fLooper : NULL);
+}
+
 bool LooperPrivate::IsRunning() const {
     return fLooper->fPrivate->runCalled;
 }

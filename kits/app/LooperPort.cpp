@@ -9,8 +9,9 @@
 namespace BPrivate {
 
 LooperPort::LooperPort(int32 capacity)
-    : fQueue(new BMessageQueue), fCapacity(capacity), fDeliveryHook(NULL), fThread(-1), fOwner(-1),
-      fOwnerCount(0), fWaiters(0), fHandOff(false), fClosed(false), fFinished(false) {}
+    : fQueue(new BMessageQueue), fCapacity(capacity), fDeliveryHook(NULL), fUnlockHook(NULL),
+      fUnlockLooper(NULL), fThread(-1), fOwner(-1), fOwnerCount(0), fWaiters(0), fHandOff(false),
+      fClosed(false), fFinished(false) {}
 
 LooperPort::~LooperPort() {
     delete fQueue;
@@ -30,6 +31,11 @@ status_t LooperPort::DeliverUrgently(BMessage* message) {
 
 bool LooperPort::IsOpen() const {
     return !MessageQueuePrivate(fQueue).IsClosed();
+}
+
+void LooperPort::SetUnlockHook(UnlockHook hook, BLooper* looper) {
+    fUnlockLooper.store(looper);
+    fUnlockHook.store(hook);
 }
 
 // #pragma mark - Lock
@@ -74,6 +80,10 @@ void LooperPort::Unlock() {
     if (fOwner.load() != current_thread()) {
         debugger("BLooper::Unlock(): the looper is not locked by the calling thread");
         return;
+    }
+    if (fOwnerCount.load() == 1) {
+        if (UnlockHook hook = fUnlockHook.load())
+            hook(fUnlockLooper.load());
     }
     if (fOwnerCount.fetch_sub(1) > 1)
         return;

@@ -31,6 +31,11 @@ public:
     typedef void (*DeliveryHook)(const BMessage* message);
     void SetDeliveryHook(DeliveryHook hook) { fDeliveryHook.store(hook); }
 
+    // Called by the thread giving up the last nesting level of the lock, just before
+    // it does, the looper still locked (see LooperPrivate::SetUnlockHook).
+    typedef void (*UnlockHook)(BLooper* looper);
+    void SetUnlockHook(UnlockHook hook, BLooper* looper);
+
     // Delivery, bounded by the capacity. From the reader thread itself a full queue
     // never blocks (it would wait for itself).
     status_t Deliver(BMessage* message, bigtime_t timeout) override;
@@ -67,6 +72,8 @@ private:
     BMessageQueue* fQueue;
     int32 fCapacity;
     std::atomic<DeliveryHook> fDeliveryHook;
+    std::atomic<UnlockHook> fUnlockHook;
+    std::atomic<BLooper*> fUnlockLooper;
     std::atomic<thread_id> fThread;
 
     mutable std::mutex fLockMutex;

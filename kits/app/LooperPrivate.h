@@ -24,6 +24,13 @@ public:
     typedef void (*DeliveryHook)(const BMessage* message);
     void SetDeliveryHook(DeliveryHook hook);
 
+    // Called in whichever thread gives up the last nesting level of the lock, just
+    // before it does, with the looper still locked: a window publishes there the
+    // frame changes made under the lock, so that they reach the screen together.
+    // The hook may lock and unlock the looper again; NULL removes it.
+    typedef void (*UnlockHook)(BLooper* looper);
+    void SetUnlockHook(UnlockHook hook);
+
     // Run() has been called: the looper has (or had) a thread.
     bool IsRunning() const;
     // The port token that messengers to this looper carry.

@@ -102,6 +102,7 @@ void BWindow::_InitData(BRect frame, const char* title, window_look look, window
                                                        flags, data->workspaces);
         // Whatever is posted here, by any thread, is work for WaitForIdle().
         BPrivate::LooperPrivate(this).SetDeliveryHook(DisplayServer::NoteDelivery);
+        BPrivate::LooperPrivate(this).SetUnlockHook(BPrivate::WindowPrivate::ReleaseFrameChanges);
     }
     BPrivate::AppPrivate::AddWindow(this);
 
@@ -120,6 +121,7 @@ BWindow::~BWindow() {
     if (!IsLocked())
         Lock();
     Private* data = fPrivate;
+    BPrivate::LooperPrivate(this).SetUnlockHook(NULL);
 
     BView* topView = data->topView;
     topView->_DetachedHooks();
@@ -349,8 +351,10 @@ void BWindow::MoveTo(float x, float y) {
     if (fPrivate->frame.left == x && fPrivate->frame.top == y)
         return;
     fPrivate->frame.OffsetTo(x, y);
-    if (fPrivate->server != NULL)
+    if (fPrivate->server != NULL) {
         fPrivate->server->MoveWindow(fPrivate->serverToken, BPoint(x, y), ++fPrivate->frameRequest);
+        fPrivate->frameChangesHeld = true;
+    }
 }
 
 void BWindow::ResizeBy(float dx, float dy) {
@@ -370,8 +374,10 @@ void BWindow::ResizeTo(float width, float height) {
     if (width == data->frame.Width() && height == data->frame.Height())
         return;
     _Resized(width, height);
-    if (data->server != NULL)
+    if (data->server != NULL) {
         data->server->ResizeWindow(data->serverToken, width, height, ++data->frameRequest);
+        data->frameChangesHeld = true;
+    }
 }
 
 void BWindow::SetSizeLimits(float minWidth, float maxWidth, float minHeight, float maxHeight) {

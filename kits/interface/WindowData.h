@@ -85,6 +85,9 @@ struct BWindow::Private {
     // Numbers the moves and resizes asked of the display server; its messages
     // about older ones describe a frame the window has already left.
     uint32 frameRequest = 0;
+    // A move or resize was asked since the lock was last given up: the display
+    // server holds it back from the screen until then.
+    bool frameChangesHeld = false;
     int32 dispatchDepth = 0;
 };
 

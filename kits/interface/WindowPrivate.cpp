@@ -45,6 +45,18 @@ uint32 WindowPrivate::CountUpdatePasses() const {
     return fWindow->fPrivate->updatePasses;
 }
 
+void WindowPrivate::ReleaseFrameChanges(BLooper* looper) {
+    BWindow* window = static_cast<BWindow*>(looper);
+    if (window == NULL)
+        return;
+    BWindow::Private* data = window->fPrivate;
+    if (data == NULL || !data->frameChangesHeld)
+        return;
+    data->frameChangesHeld = false;
+    if (data->server != NULL)
+        data->server->ReleaseFrameChanges(data->serverToken);
+}
+
 void WindowPrivate::SetKeyMenuBarStarter(key_menu_bar_starter starter) {
     std::lock_guard<std::mutex> lock(sStarterLock);
     sKeyMenuBarStarter = starter;

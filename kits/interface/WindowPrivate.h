@@ -52,6 +52,10 @@ public:
     // How many update passes ran; tests count redraws with it.
     uint32 CountUpdatePasses() const;
 
+    // The window's unlock hook: frame changes made under the lock go to the
+    // screen as it is given up.
+    static void ReleaseFrameChanges(BLooper* window);
+
     static void SetKeyMenuBarStarter(key_menu_bar_starter starter);
     static key_menu_bar_starter KeyMenuBarStarter();
 

@@ -11,6 +11,7 @@
 
 #include "interface/ViewData.h"
 #include "interface/WindowData.h"
+#include "interface/WindowPrivate.h"
 
 #include <Autolock.h>
 #include <OS.h>
@@ -110,6 +111,8 @@ void BWindow::_Flush() {
     if (data->transactionLevel > 0 || data->disabledUpdatesLevel > 0 ||
         data->presentPending.CountRects() == 0)
         return;
+    // The screen gets the window's new frame before the pixels drawn for it.
+    BPrivate::WindowPrivate::ReleaseFrameChanges(this);
     if (data->server != NULL)
         data->server->Present(data->serverToken, data->backBuffer.get(), data->presentPending);
     data->presentPending.MakeEmpty();

@@ -82,6 +82,9 @@ struct ServerWindow {
     bool idleAtTicket = false;
     // The last of the window's own move and resize requests applied here.
     uint32 frameRequest = 0;
+    // The window's own frame changes the backend has not been told of yet: they
+    // wait for ReleaseFrameChanges().
+    bool frameChangesHeld = false;
 };
 
 // A description of a window for tests and tools.
@@ -138,9 +141,13 @@ public:
     // The window's own requests, numbered from 1 up. The messages they cause
     // carry the number of the window's latest request applied so far
     // (kFieldFrameRequest), so the window can tell an echo of a request it
-    // has since superseded from where it really is.
+    // has since superseded from where it really is. The server's record changes
+    // at once; the backend (the real window on screen) learns of them at the next
+    // ReleaseFrameChanges(), which the window calls as it gives up its lock: a
+    // resize and a move made together reach the screen together.
     void MoveWindow(int32 id, BPoint leftTop, uint32 request);
     void ResizeWindow(int32 id, float width, float height, uint32 request);
+    void ReleaseFrameChanges(int32 id);
     void SetWindowTitle(int32 id, const char* title);
     void SetWindowLook(int32 id, window_look look);
     void SetWindowFeel(int32 id, window_feel feel);
@@ -283,6 +290,9 @@ protected:
     // #pragma mark - Model helpers, fLock held
 
     ServerWindow* _Find(int32 id);
+    // Tells the backend of a frame change now, or holds it for the window's
+    // ReleaseFrameChanges().
+    void _FrameChanged(ServerWindow* window, bool held);
     bool _IsVisible(const ServerWindow* window) const;
     bool _InWorkspace(const ServerWindow* window, int32 workspace) const;
     std::vector<ServerWindow*> _StackBackToFront();

@@ -198,9 +198,25 @@ void DisplayServer::MoveWindow(int32 id, BPoint leftTop, uint32 request) {
         moved.AddPoint("where", leftTop);
         moved.AddInt32(kFieldFrameRequest, (int32)window->frameRequest);
         outbox.push_back(Outgoing{window->messenger, moved, false, BMessenger()});
-        _WindowChanged(window);
+        _FrameChanged(window, request != 0);
     }
     _PostLater(std::move(outbox));
+}
+
+void DisplayServer::ReleaseFrameChanges(int32 id) {
+    std::lock_guard<std::mutex> lock(fLock);
+    ServerWindow* window = _Find(id);
+    if (window == NULL || !window->frameChangesHeld)
+        return;
+    window->frameChangesHeld = false;
+    _WindowChanged(window);
+}
+
+void DisplayServer::_FrameChanged(ServerWindow* window, bool held) {
+    if (held)
+        window->frameChangesHeld = true;
+    else
+        _WindowChanged(window);
 }
 
 void DisplayServer::ResizeWindow(int32 id, float width, float height) {
@@ -234,7 +250,7 @@ void DisplayServer::ResizeWindow(int32 id, float width, float height, uint32 req
         resized.AddInt32("height", (int32)height);
         resized.AddInt32(kFieldFrameRequest, (int32)window->frameRequest);
         outbox.push_back(Outgoing{window->messenger, resized, false, BMessenger()});
-        _WindowChanged(window);
+        _FrameChanged(window, request != 0);
     }
     _PostLater(std::move(outbox));
 }

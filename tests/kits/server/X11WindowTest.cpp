@@ -3,7 +3,10 @@
 #include "X11TestSupport.h"
 
 #include <InterfaceDefs.h>
+#include <OS.h>
 #include <Screen.h>
+
+#include <X11/Xlib.h>
 
 using x11_testing::RecordingWindow;
 using x11_testing::X11BareTest;
@@ -137,6 +140,46 @@ TEST_F(X11BareTest, WithoutWindowManagerWindowLandsAtTheFrameAsked) {
         new RecordingWindow(BRect(30, 40, 129, 79), &fLog, B_TITLED_WINDOW_LOOK, 0);
     window->Show();
     EXPECT_TRUE(WaitForGeometry(window, 30, 40, 100, 40));
+}
+
+// A window that grows and moves in one go (a bar growing upward from a bottom
+// corner) must not show for a moment at its new size in its old place.
+TEST_F(X11BareTest, ResizeAndMoveMadeUnderOneLockReachTheScreenTogether) {
+    RecordingWindow* window =
+        new RecordingWindow(BRect(50, 50, 149, 89), &fLog, B_BORDERED_WINDOW_LOOK, 0);
+    window->Show();
+    ASSERT_TRUE(WaitForGeometry(window, 50, 50, 100, 40));
+    Display* observer = XOpenDisplay(fDisplay.Name().c_str());
+    ASSERT_NE(observer, nullptr);
+    XSelectInput(observer, XWindow(window), StructureNotifyMask);
+    XSync(observer, False);
+
+    window->Lock();
+    window->ResizeTo(119, 59);
+    // Time enough for the server's thread to send the resize alone, were it to.
+    snooze(100000);
+    window->MoveTo(300, 200);
+    window->Unlock();
+    ASSERT_TRUE(WaitForGeometry(window, 300, 200, 120, 60));
+
+    XSync(observer, False);
+    int configures = 0;
+    while (XPending(observer) > 0) {
+        XEvent event;
+        XNextEvent(observer, &event);
+        if (event.type != ConfigureNotify)
+            continue;
+        configures++;
+        const XConfigureEvent& configure = event.xconfigure;
+        bool oldFrame = configure.x == 50 && configure.y == 50 && configure.width == 100 &&
+                        configure.height == 40;
+        bool newFrame = configure.x == 300 && configure.y == 200 && configure.width == 120 &&
+                        configure.height == 60;
+        EXPECT_TRUE(oldFrame || newFrame) << configure.x << "," << configure.y << " "
+                                          << configure.width << "x" << configure.height;
+    }
+    EXPECT_GE(configures, 1);
+    XCloseDisplay(observer);
 }
 
 TEST_F(X11ManagedTest, BorderedLookIsUndecoratedAndSkipsTaskbarAndPager) {
