@@ -50,7 +50,7 @@ void WindowPrivate::ReleaseFrameChanges(BLooper* looper) {
     if (window == NULL)
         return;
     BWindow::Private* data = window->fPrivate;
-    if (data == NULL || !data->frameChangesHeld)
+    if (!data->frameChangesHeld)
         return;
     data->frameChangesHeld = false;
     if (data->server != NULL)

@@ -10,9 +10,10 @@
 #include <View.h>
 #include <Window.h>
 
+#include "LoadedLibraries.h"
+
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
 #include <math.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -25,21 +26,14 @@ using BPrivate::HeadlessTestApi;
 using BPrivate::TextLibrary;
 using testing_support::HeadlessAppTest;
 
+using testing_support::is_library_loaded;
+
 namespace {
 
 const rgb_color kWhite = {255, 255, 255, 255};
 
-// Whether the process has the library loaded; asks without loading it.
-bool is_loaded(const char* fileName) {
-    void* handle = dlopen(fileName, RTLD_NOLOAD | RTLD_LAZY);
-    if (handle == NULL)
-        return false;
-    dlclose(handle);
-    return true;
-}
-
 bool text_stack_loaded() {
-    return is_loaded("libpango-1.0.so.0") || is_loaded("libpangocairo-1.0.so.0");
+    return is_library_loaded("libpango-1.0.so.0") || is_library_loaded("libpangocairo-1.0.so.0");
 }
 
 // A white view that draws a string, or nothing when given none.
@@ -93,8 +87,8 @@ TEST(TextLibraryLoadingStandaloneTest, ChoosingASystemFontLeavesTheTextLibraries
 TEST(TextLibraryLoadingStandaloneTest, MeasuringTheFirstStringLoadsTheTextLibraries) {
     ASSERT_FALSE(text_stack_loaded());
     EXPECT_GT(be_plain_font->StringWidth("Glimrow"), 0.0f);
-    EXPECT_TRUE(is_loaded("libpango-1.0.so.0"));
-    EXPECT_TRUE(is_loaded("libpangocairo-1.0.so.0"));
+    EXPECT_TRUE(is_library_loaded("libpango-1.0.so.0"));
+    EXPECT_TRUE(is_library_loaded("libpangocairo-1.0.so.0"));
 }
 
 TEST_F(TextLibraryLoadingTest, DrawingTheFirstStringLoadsTheTextLibrariesAndInksPixels) {
@@ -108,7 +102,7 @@ TEST_F(TextLibraryLoadingTest, DrawingTheFirstStringLoadsTheTextLibrariesAndInks
     EXPECT_GE(ink.left, 5);
     EXPECT_LE(ink.bottom, 23);
     EXPECT_GT(ink.Width(), 20);
-    EXPECT_TRUE(is_loaded("libpango-1.0.so.0"));
+    EXPECT_TRUE(is_library_loaded("libpango-1.0.so.0"));
 }
 
 TEST(TextLibraryLoadingStandaloneTest, LoadingAMissingLibraryReportsEntryNotFound) {

@@ -13,10 +13,11 @@
 #include "TestHome.h"
 #include "Watchdog.h"
 
+#include "LoadedLibraries.h"
+
 #include <gtest/gtest.h>
 
 #include <cairo.h>
-#include <dlfcn.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -28,20 +29,13 @@
 
 using testing_support::TestHome;
 
+using testing_support::is_library_loaded;
+
 namespace {
 
-// Whether the process has the library mapped; asking never loads it.
-bool is_loaded(const char* library) {
-    void* handle = dlopen(library, RTLD_NOLOAD | RTLD_LAZY);
-    if (handle == nullptr)
-        return false;
-    dlclose(handle);
-    return true;
-}
-
 bool any_glib_library_loaded() {
-    return is_loaded("libgio-2.0.so.0") || is_loaded("libgobject-2.0.so.0") ||
-           is_loaded("libglib-2.0.so.0");
+    return is_library_loaded("libgio-2.0.so.0") || is_library_loaded("libgobject-2.0.so.0") ||
+           is_library_loaded("libglib-2.0.so.0");
 }
 
 // Sets LD_LIBRARY_PATH for the processes the death tests start (the dynamic
@@ -115,9 +109,9 @@ TEST(GioLoadingTest, GioIsNotLoadedAfterReadingFilesAndTheirTypeAttribute) {
     ASSERT_EQ(B_OK, info.GetType(type));
     EXPECT_STREQ("application/x-vnd.test-document", type);
 
-    EXPECT_FALSE(is_loaded("libgio-2.0.so.0"));
-    EXPECT_FALSE(is_loaded("libgobject-2.0.so.0"));
-    EXPECT_FALSE(is_loaded("libglib-2.0.so.0"));
+    EXPECT_FALSE(is_library_loaded("libgio-2.0.so.0"));
+    EXPECT_FALSE(is_library_loaded("libgobject-2.0.so.0"));
+    EXPECT_FALSE(is_library_loaded("libglib-2.0.so.0"));
 }
 
 TEST(GioLoadingTest, GioIsLoadedOnceAFileWithoutTypeAttributeNeedsAGuess) {
@@ -125,24 +119,24 @@ TEST(GioLoadingTest, GioIsLoadedOnceAFileWithoutTypeAttributeNeedsAGuess) {
     std::string path = home.WriteFile("main.c", "int x;\n");
     BNode node(path.c_str());
     BNodeInfo info(&node);
-    ASSERT_FALSE(is_loaded("libgio-2.0.so.0"));
+    ASSERT_FALSE(is_library_loaded("libgio-2.0.so.0"));
 
     char type[B_MIME_TYPE_LENGTH] = "";
     ASSERT_EQ(B_OK, info.GetType(type));
     EXPECT_STREQ("text/x-csrc", type);
-    EXPECT_TRUE(is_loaded("libgio-2.0.so.0"));
+    EXPECT_TRUE(is_library_loaded("libgio-2.0.so.0"));
 }
 
 TEST(GioLoadingTest, GioIsLoadedOnceATypeIsGuessedFromAName) {
-    ASSERT_FALSE(is_loaded("libgio-2.0.so.0"));
+    ASSERT_FALSE(is_library_loaded("libgio-2.0.so.0"));
     BMimeType type;
     ASSERT_EQ(B_OK, BMimeType::GuessMimeType("picture.png", &type));
     EXPECT_STREQ("image/png", type.Type());
-    EXPECT_TRUE(is_loaded("libgio-2.0.so.0"));
+    EXPECT_TRUE(is_library_loaded("libgio-2.0.so.0"));
 }
 
 TEST(GioLoadingTest, ThreadsGuessingTogetherShareOneOpening) {
-    ASSERT_FALSE(is_loaded("libgio-2.0.so.0"));
+    ASSERT_FALSE(is_library_loaded("libgio-2.0.so.0"));
     const int kThreads = 4;
     std::latch start(kThreads);
     std::atomic<int> finished = 0;
